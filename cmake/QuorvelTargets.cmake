@@ -1,0 +1,24 @@
+# SPDX-License-Identifier: Apache-2.0
+# Settings shared by all of our own targets; nothing here leaks to a project that links the library.
+
+function(quorvel_target_defaults target)
+  target_compile_features(${target} PUBLIC cxx_std_17)
+  set_target_properties(${target} PROPERTIES
+    CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON
+    POSITION_INDEPENDENT_CODE ON)
+  # Results are promised bit for bit: no contraction into fused multiply-adds, no fast-math.
+  target_compile_options(${target} PRIVATE
+    -ffp-contract=off -fno-fast-math
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+  if(QUORVEL_SANITIZE)
+    target_compile_options(${target} PRIVATE
+      -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(${target} PRIVATE -fsanitize=address,undefined)
+  endif()
+  if(QUORVEL_COVERAGE)
+    target_compile_options(${target} PRIVATE --coverage -O0)
+    target_link_options(${target} PRIVATE --coverage)
+  endif()
+endfunction()
