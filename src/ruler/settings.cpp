@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <iostream>
+
+#include <quorvel/quorvel.h>
+
+#include "ruler/members.h"
+
+using namespace quorvel::internal;
+
+std::string Quorvel::getVersion() {
+    return QUORVEL_VERSION;
+}
+
+int Quorvel::setCameraType(bool /*enable*/, int value) {
+    cameraType = static_cast<float>(value);
+    cameraTypeSet = true;
+    return 0;
+}
+
+void Quorvel::setDebugMode(bool on) {
+    debugMode = on;
+}
+
+int Quorvel::getCameraHeight(float& height) {
+    height = calibStatus ? cameraHeight : 0.0F;
+    return calibStatus ? 0 : 1;
+}
+
+int Quorvel::getCalibStatus(bool& status) {
+    status = calibStatus;
+    return 0;
+}
+
+int Quorvel::setCalibrationRoI(cv::Rect roi) {
+    calibrationRoI = roi;
+    return 0;
+}
+
+int Quorvel::setCalibrationRoI(float ratio, cv::Rect& roi) {
+    calibrationRoI = centeredRegion(ratio, imageWidth, imageHeight);
+    roi = calibrationRoI;
+    return 0;
+}
+
+int Quorvel::setEffectiveRegionInArea(cv::Rect roi) {
+    effectiveRegion = roi;
+    if (debugMode) {
+        std::cout << "DYNAMIC mode object effective RoI value : " << effectiveRegion << std::endl;
+    }
+    return 0;
+}
+
+int Quorvel::setEffectiveRegionInArea(float ratio, cv::Rect& roi) {
+    effectiveRegion = centeredRegion(ratio, imageWidth, imageHeight);
+    roi = effectiveRegion;
+    return 0;
+}
+
+int Quorvel::setFilterWeight(float weight) {
+    filterWeight = weight;
+    if (debugMode) {
+        std::cout << "Filter weight value : " << weight << std::endl;
+    }
+    return 0;
+}
+
+int Quorvel::stop() {
+    return 0;
+}
