@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <array>
+
+#include <opencv2/core.hpp>
+
+namespace quorvel::internal {
+
+/// The corners of a calibration region: top left, bottom left, top right; pixels.
+using RegionCorners = std::array<cv::Point, 3>;
+
+/// \param region full-size pixels
+/// \return its corners (x, y), (x, y + height), (x + width, y), each coordinate passed through float and rounded back;
+///         INT_MIN where int cannot hold it
+RegionCorners regionCorners(const cv::Rect& region);
+
+/// Copies the points strictly inside a region. For a rectangle of positive size that is x < u < x + width and
+/// y < v < y + height: the first row and column are left out and the last ones kept, deliberately asymmetric.
+/// \param cloud CV_32FC3, mm
+/// \return CV_32FC3 of the cloud's size, (0, 0, 0) outside the region and where the cloud's z is 0
+cv::Mat pointsInsideRegion(const cv::Mat& cloud, const RegionCorners& corners);
+
+/// \return half the region's area in pixels: the fewest points a least-squares fit accepts
+float halfRegionArea(const RegionCorners& corners);
+
+}  // namespace quorvel::internal

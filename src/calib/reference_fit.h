@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <opencv2/core.hpp>
+
+#include "calib/plane_model.h"
+
+namespace quorvel::internal {
+
+/// Smooths a depth image twice with a 5 x 5 Gaussian (border reflected without the edge pixel).
+/// \param depth CV_16UC1, mm; not changed
+/// \return CV_16UC1 of the same size; a pixel without depth next to valid ones gets a smoothed, smaller depth
+cv::Mat smoothDepth(const cv::Mat& depth);
+
+/// Fits the plane of the most frequent orientation, by random sampling (KIOSK calibration and GROUND_TRACKING).
+/// \param cloud CV_32FC3, mm
+/// \param previous handed back when the fit fails
+Plane fitDominantPlane(const cv::Mat& cloud, const Plane& previous);
+
+/// Fits a plane by least squares, grows the region along its orientation over the whole cloud and fits again
+/// (GROUND_GROWING calibration).
+/// \param fullCloud CV_32FC3, mm
+/// \param regionCloud the part of `fullCloud` inside the calibration region
+/// \param minPoints fewest points a fit accepts
+/// \param previous the plane that a failed first fit leaves in place
+Plane fitGrownPlane(const cv::Mat& fullCloud, const cv::Mat& regionCloud, float minPoints, const Plane& previous);
+
+}  // namespace quorvel::internal
