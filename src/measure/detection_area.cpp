@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "measure/detection_area.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include <opencv2/imgproc.hpp>
+
+#include "common/numbers.h"
+
+namespace quorvel::internal {
+
+namespace {
+
+constexpr int kFarthestCorner = 1 << 24;
+
+using Polygon = std::array<cv::Point, 4>;
+
+int drawnCoordinate(float position) {
+    return std::clamp(roundToInt(position), -kFarthestCorner, kFarthestCorner);
+}
+
+Polygon drawnPolygon(const std::array<cv::Point2f, 4>& corners) {
+    Polygon polygon;
+    std::transform(corners.begin(), corners.end(), polygon.begin(), [](const cv::Point2f& corner) {
+        return cv::Point(drawnCoordinate(corner.x), drawnCoordinate(corner.y));
+    });
+    return polygon;
+}
+
+/// The part of a region inside the picture. In 64 bits, because a host's rectangle may end beyond what int holds.
+cv::Rect insidePicture(const cv::Rect& region, const cv::Size& image) {
+    const auto clip = [](std::int64_t value, int limit) {
+        return static_cast<int>(std::clamp<std::int64_t>(value, 0, limit));
+    };
+    const int left = clip(region.x, image.width);
+    const int top = clip(region.y, image.height);
+    const int right = clip(static_cast<std::int64_t>(region.x) + region.width, image.width);
+    const int bottom = clip(static_cast<std::int64_t>(region.y) + region.height, image.height);
+    return {left, top, std::max(right - left, 0), std::max(bottom - top, 0)};
+}
+
+/// The part of the picture that has to be drawn. A polygon inside the picture is drawn alone, which moves every pixel
+/// by whole steps; one that leaves it is drawn into the whole picture, because its lines are clipped there.
+cv::Rect canvasOf(const cv::Rect& bounds, const cv::Size& image) {
+    const cv::Rect picture(cv::Point(0, 0), image);
+    return (bounds & picture) == bounds ? bounds : picture;
+}
+
+}  // namespace
+
+bool topFaceMeetsRegion(const std::array<cv::Point2f, 4>& topFace, const cv::Rect& region, const cv::Size& image) {
+    Polygon polygon = drawnPolygon(topFace);
+    const cv::Rect bounds = cv::boundingRect(polygon);
+    const cv::Rect wanted = insidePicture(region, image) & bounds;
+    if (wanted.empty()) {
+        return false;
+    }
+    const cv::Rect canvas = canvasOf(bounds, image);
+    for (cv::Point& corner : polygon) {
+        corner -= canvas.tl();
+    }
+    cv::Mat drawing = cv::Mat::zeros(canvas.size(), CV_8UC1);
+    cv::fillConvexPoly(drawing, polygon, cv::Scalar(255), cv::LINE_8);
+    return cv::countNonZero(drawing(wanted - canvas.tl())) > 0;
+}
+
+}  // namespace quorvel::internal

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <opencv2/core.hpp>
+
+namespace quorvel::internal {
+
+/// Drops the points that would spoil the dimensions: points on steep flanks and at depth jumps, points without all
+/// eight neighbours, points whose height strays from the mean by more than 4.5 mean deviations (objects of at least
+/// 10 mm mean height only), and points that keep fewer than four neighbours after that. Border pixels always go.
+///
+/// The last step works in scan order: pixels visited later see what was cleared before.
+/// \param[in,out] cloud CV_32FC3, mm; replaced by the points kept, (0, 0, 0) elsewhere
+/// \param normal,offset the plane; the normal is normalised here
+/// \param[in,out] mask CV_8UC1 of the same size; replaced by 255 at the points kept, 0 elsewhere
+void filterSurfacePoints(cv::Mat& cloud, const cv::Vec3f& normal, float offset, cv::Mat& mask);
+
+}  // namespace quorvel::internal
