@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+# Installs what building and testing need and the machine lacks. Asks nothing; does nothing when all is there.
+#   scripts/setup.sh          to build, run the demo and the tests
+#   scripts/setup.sh --dev    also what the checks need: formatter, linter, coverage report
+set -euo pipefail
+
+packages=(
+  ca-certificates git g++ cmake ninja-build
+  libopencv-dev
+  libcli11-dev nlohmann-json3-dev libyaml-cpp-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+)
+if [[ "${1:-}" == "--dev" ]]; then
+  packages+=(clang-format clang-tidy gcovr)
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+  status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
+  [[ "$status" == "installed" ]] || missing+=("$package")
+done
+if [[ ${#missing[@]} -eq 0 ]]; then
+  exit 0
+fi
+
+as_root=()
+if [[ $EUID -ne 0 ]]; then
+  if ! command -v sudo >/dev/null; then
+    echo "setup: these packages are missing: ${missing[*]}; run this as root, or install sudo" >&2
+    exit 1
+  fi
+  as_root=(sudo)
+fi
+echo "setup: installing ${missing[*]}"
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq update
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq install --yes --no-install-recommends \
+  "${missing[@]}" >/dev/null
