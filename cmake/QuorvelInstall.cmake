@@ -1,0 +1,22 @@
+# SPDX-License-Identifier: Apache-2.0
+# Installs the library, its header and a package that find_package(quorvel) finds; the command when it is built.
+include(CMakePackageConfigHelpers)
+
+set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/quorvel")
+install(TARGETS quorvel EXPORT quorvel-targets
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+  RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
+  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/quorvel" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+install(EXPORT quorvel-targets NAMESPACE quorvel:: DESTINATION "${package_dir}")
+configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/quorvel-config.cmake.in"
+  "${PROJECT_BINARY_DIR}/quorvel-config.cmake" INSTALL_DESTINATION "${package_dir}")
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/quorvel-config-version.cmake" COMPATIBILITY SameMajorVersion)
+install(FILES
+  "${PROJECT_BINARY_DIR}/quorvel-config.cmake"
+  "${PROJECT_BINARY_DIR}/quorvel-config-version.cmake"
+  DESTINATION "${package_dir}")
+install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+if(QUORVEL_BUILD_TOOLS)
+  install(TARGETS quorvel-cli RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+endif()
