@@ -40,9 +40,9 @@ int dominantNormalBin(const cv::Mat& normalMap, cv::Vec3f& bin) {
             }
         }
     }
-    constexpr int kPlane = kBinsPerChannel * kBinsPerChannel;
-    bin = cv::Vec3f(static_cast<float>(best % kBinsPerChannel), static_cast<float>(best % kPlane / kBinsPerChannel),
-                    static_cast<float>(best / kPlane));
+    const cv::Vec3i bins(best % kBinsPerChannel, best / kBinsPerChannel % kBinsPerChannel,
+                         best / (kBinsPerChannel * kBinsPerChannel));
+    bin = cv::Vec3f(bins);
     return 0;
 }
 

@@ -14,7 +14,7 @@ std::size_t lowestBit(std::size_t value) {
 }  // namespace
 
 DrawPool::DrawPool(std::vector<cv::Point> pixels)
-    : pixels_(std::move(pixels)), tree_(pixels_.size() + 1), left_(pixels_.size()), topStep_(1) {
+    : pixels_(std::move(pixels)), tree_(pixels_.size() + 1), left_(pixels_.size()) {
     for (std::size_t i = 1; i < tree_.size(); ++i) {
         tree_[i] = static_cast<int>(lowestBit(i));
     }

@@ -30,7 +30,7 @@ private:
     /// tree_[i] counts the entries left among the lowbit(i) entries that end at entry i (1-based).
     std::vector<int> tree_;
     std::size_t left_;
-    std::size_t topStep_;
+    std::size_t topStep_ = 1;
 };
 
 }  // namespace quorvel::internal

@@ -22,18 +22,17 @@ struct Region {
 /// row-major order, so that its float sum has the bits of a scan of that label alone.
 std::vector<Region> describeRegions(const cv::Mat& labels, int labelCount) {
     std::vector<Region> regions(static_cast<std::size_t>(labelCount));
-    const auto middleX = static_cast<double>(labels.cols / 2);
-    const auto middleY = static_cast<double>(labels.rows / 2);
+    const cv::Point middle(labels.cols / 2, labels.rows / 2);
     for (int row = 0; row < labels.rows; ++row) {
         const auto* labelRow = labels.ptr<ushort>(row);
-        const double dy = row - middleY;
+        const double dy = row - middle.y;
         for (int column = 0; column < labels.cols; ++column) {
             const std::size_t label = labelRow[column];
             // More regions than 16-bit labels can name wrap around; labels beyond the count name no region.
             if (label == 0 || label >= regions.size()) {
                 continue;
             }
-            const double dx = column - middleX;
+            const double dx = column - middle.x;
             ++regions[label].pixels;
             regions[label].distanceSum += static_cast<float>(std::sqrt(dx * dx + dy * dy));
         }

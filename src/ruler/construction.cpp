@@ -38,9 +38,10 @@ Quorvel::Quorvel(float focalX, float focalY, float centerX, float centerY, int w
     : offlineMode(offline), paramDir("./param"), offlineDir(std::move(captureDir)) {
     calFilePath = paramDir + "/cal.txt";
     backgroundPath = paramDir + "/bg.bmp";
-    if (!offlineMode) {
-        startNormally(focalX, focalY, centerX, centerY, width, height);
-    } else if (isDirectory(offlineDir) && !startOffline()) {
+    if (offlineMode && !isDirectory(offlineDir)) {
+        return;
+    }
+    if (!offlineMode || !startOffline()) {
         startNormally(focalX, focalY, centerX, centerY, width, height);
     }
 }
