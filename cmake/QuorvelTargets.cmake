@@ -11,7 +11,10 @@ function(quorvel_target_defaults target)
   # Results are promised bit for bit: no contraction into fused multiply-adds, no fast-math.
   target_compile_options(${target} PRIVATE
     -ffp-contract=off -fno-fast-math
-    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+  if(QUORVEL_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
   if(QUORVEL_SANITIZE)
     target_compile_options(${target} PRIVATE
       -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
