@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+
+#include <opencv2/core.hpp>
+
+#include "sim/scene.h"
+
+namespace quorvel::sim {
+
+/// A bare surface seen by the default camera straight from above, without effects.
+Scene flatScene(double distance = 1000.0);
+
+/// A small picture of the default field of view: 64 x 48 pixels.
+Camera smallCamera();
+
+/// A scene of random tilt, distance and objects, without effects, seen by the small camera.
+Scene randomScene(std::uint32_t seed);
+
+/// How many pixels of two images of one size and type differ.
+int countDifferent(const cv::Mat& a, const cv::Mat& b);
+
+}  // namespace quorvel::sim
