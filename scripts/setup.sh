@@ -8,7 +8,7 @@ set -euo pipefail
 packages=(
   ca-certificates git g++ cmake ninja-build
   libopencv-dev
-  libcli11-dev nlohmann-json3-dev libyaml-cpp-dev
+  libcli11-dev nlohmann-json3-dev libyaml-cpp-dev jq
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 if [[ "${1:-}" == "--dev" ]]; then

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Compares the shared library's dynamic symbols with the methods that the public header marks for export.
 execute_process(COMMAND "${NM}" -D -C --defined-only "${LIBRARY}" OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
-file(STRINGS "${HEADER}" declarations REGEX "QUORVEL_API .*\\(")
+file(STRINGS "${HEADER}" declarations REGEX "^    QUORVEL_API .*\\(")
 
 set(declared "")
 foreach(declaration IN LISTS declarations)
