@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Real depth-camera frames, when their folder is there (QUORVEL_DATA_DIR; see CONTRIBUTING.md). Skipped otherwise.
+// Real depth-camera frames, when their folder is there (the CMake variable QUORVEL_DATA_DIR). Skipped otherwise.
 //
 // overhead_single: objects on a sheet, seen from 713 mm under a tilt of 12.7 degrees. The objects' true sizes are not
 // known. Their bands come from the colour pictures, at 1.33 mm a pixel on the sheet: the visible outline's length and
@@ -50,15 +50,14 @@ const RealObject kObjects[] = {
 };
 
 std::filesystem::path dataFolder() {
-    const char* folder = std::getenv("QUORVEL_DATA_DIR");
-    return folder == nullptr ? std::filesystem::path() : std::filesystem::path(folder) / "overhead_single";
+    return std::filesystem::path(QUORVEL_DATA_DIR) / "overhead_single";
 }
 
 class RealCaptures : public ::testing::Test {
 protected:
     void SetUp() override {
         if (!std::filesystem::is_directory(dataFolder())) {
-            GTEST_SKIP() << "QUORVEL_DATA_DIR names no folder with overhead_single";
+            GTEST_SKIP() << "there is no folder overhead_single in QUORVEL_DATA_DIR";
         }
         directory_ = std::make_unique<WorkingDirectory>();
         std::srand(1);

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "measure/object_points.h"
+
+#include <climits>
+#include <cstddef>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "library/measure_draws.h"
+#include "library/plain/object_points.h"
+#include "support/same_bits.h"
+
+namespace quorvel::test {
+
+namespace {
+
+using Floats = std::vector<float>;
+using Pixels = std::vector<cv::Point>;
+
+const cv::Vec3f kTowardsScene(0.0F, 0.0F, 1.0F);
+
+internal::ObjectPoints collect(const std::vector<cv::Vec3f>& points, float offset = 1000.0F) {
+    const cv::Mat cloud = cv::Mat(points, true).reshape(3, 1);
+    return internal::collectObjectPoints(cloud, kTowardsScene, offset, internal::planeBasis(kTowardsScene));
+}
+
+TEST(ObjectPoints, TakesDistancesAndWholeMillimetresTowardsZero) {
+    // Plane z = 1000: distances -100, +2.5, 0. Feet (1.9, -1.9), (-0.5, 7), (3, 4) in plane coordinates.
+    const internal::ObjectPoints object = collect({{1.9F, -1.9F, 900}, {-0.5F, 7, 1002.5F}, {3, 4, 1000}});
+    EXPECT_EQ(object.heights, (Floats{100, 2.5F, 0}));
+    EXPECT_EQ(object.footprint, (Pixels{{1, -1}, {0, 7}, {3, 4}}));
+    EXPECT_EQ(object.largestDistance, -100.0F);
+}
+
+TEST(ObjectPoints, ProjectsOntoATiltedPlane) {
+    // n = (0.6, 0, 0.8), t = 800, p = (100, 20, 900): d = 60 + 0 + 720 - 800 = -20 (0.6F and 0.8F are rounded, so
+    // about), foot q = p + 20 n = (112, 20, 916), e1 = (0, -1, 0), e2 = (0.8, 0, -0.6): (-20, 89.6 - 549.6 = -460).
+    const cv::Vec3f normal(0.6F, 0, 0.8F);
+    const cv::Mat cloud(1, 1, CV_32FC3, cv::Scalar(100, 20.5, 900.5));
+    const internal::ObjectPoints object =
+        internal::collectObjectPoints(cloud, normal, 800, internal::planeBasis(normal));
+    // With y = 20.5 and z = 900.5: d = -19.6, q = (111.76, 20.5, 916.18), e2 . q = 89.408 - 549.708 = -460.3.
+    ASSERT_EQ(object.heights.size(), 1U);
+    EXPECT_NEAR(object.heights[0], 19.6F, 1e-3);
+    EXPECT_EQ(object.footprint, (Pixels{{-20, -460}}));
+}
+
+TEST(ObjectPoints, SkipsAbsentPoints) {
+    const internal::ObjectPoints object = collect({{0, 0, 0}, {0, 0, 1e-9F}, {1, 2, 990}, {0, 0, 0}});
+    EXPECT_EQ(object.heights, Floats{10});
+    EXPECT_EQ(object.footprint, (Pixels{{1, 2}}));
+}
+
+TEST(ObjectPoints, KeepsTheFirstOfEquallyFarPoints) {
+    EXPECT_EQ(collect({{0, 0, 990}, {0, 0, 1010}}).largestDistance, -10.0F);
+    EXPECT_EQ(collect({{0, 0, 1010}, {0, 0, 990}}).largestDistance, 10.0F);
+}
+
+TEST(ObjectPoints, FindsNothingInAnEmptyCloud) {
+    for (const cv::Size size : {cv::Size(4, 3), cv::Size(0, 0)}) {
+        const internal::ObjectPoints object = internal::collectObjectPoints(
+            cv::Mat::zeros(size, CV_32FC3), kTowardsScene, 1000, internal::planeBasis(kTowardsScene));
+        EXPECT_TRUE(object.heights.empty());
+        EXPECT_TRUE(object.footprint.empty());
+        EXPECT_EQ(object.largestDistance, 0.0F);
+    }
+}
+
+TEST(ObjectPoints, PutsFeetThatNoIntHoldsAtTheLowestOne) {
+    const internal::ObjectPoints object = collect({{kNaN, 3, 990}, {3e9F, -3e9F, 990}, {1, 2, kNaN}});
+    EXPECT_EQ(object.footprint, (Pixels{{INT_MIN, INT_MIN}, {INT_MIN, INT_MIN}, {INT_MIN, INT_MIN}}));
+    EXPECT_EQ(object.largestDistance, -10.0F) << "a NaN distance is not the largest";
+}
+
+Floats ascending(std::size_t count) {
+    Floats heights(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        heights[i] = static_cast<float>(count - 1 - i);
+    }
+    return heights;
+}
+
+TEST(HeightQuantile, TakesTheTruncatedIndex) {
+    // Heights 0 ... n-1 in falling order, so the quantile is its own index: trunc(0.99 n).
+    const std::vector<std::pair<std::size_t, float>> cases{
+        {1, 0},     {2, 1},     {4, 3},     {99, 98},    {100, 99},      {101, 99},         {102, 100},
+        {200, 198}, {201, 198}, {300, 297}, {1000, 990}, {20000, 19800}, {1100001, 1089000}};
+    for (const auto& [count, expected] : cases) {
+        Floats heights = ascending(count);
+        EXPECT_EQ(internal::heightQuantile(heights), expected) << "of " << count;
+    }
+}
+
+TEST(HeightQuantile, TakesNanForTheLargestHeight) {
+    Floats few{3, kNaN, 1, 2};
+    EXPECT_TRUE(std::isnan(internal::heightQuantile(few))) << "index 3 of 1, 2, 3, NaN";
+    Floats many = ascending(200);
+    many[17] = kNaN;
+    // 199 numbers without 182, then NaN: index 198 is the largest number.
+    EXPECT_EQ(internal::heightQuantile(many), 199.0F);
+    Floats infinite{1, kInfinity, 2, 0};
+    EXPECT_EQ(internal::heightQuantile(infinite), kInfinity);
+}
+
+TEST(HeightQuantile, AgreesWithAFullSort) {
+    Draws draws(106);
+    for (int run = 0; run < 800; ++run) {
+        const int count = draws.chance(50) ? draws.between(1, 12) : draws.between(90, 700);
+        const int distinct = draws.chance(50) ? 7 : 100000;
+        Floats heights(static_cast<std::size_t>(count));
+        for (float& height : heights) {
+            height = static_cast<float>(draws.below(distinct)) * 0.25F;
+            if (draws.below(300) == 0) {
+                height = draws.chance(60) ? kNaN : kInfinity;
+            }
+        }
+        const float expected = plain::heightQuantile(heights);
+        ASSERT_TRUE(sameBits(internal::heightQuantile(heights), expected)) << "run " << run << ", " << count;
+    }
+}
+
+TEST(ObjectPoints, AgreesWithThePlainFormOnRandomClouds) {
+    Draws draws(107);
+    for (int run = 0; run < 600; ++run) {
+        cv::Mat cloud = drawMatrix(draws, {draws.between(1, 20), draws.between(1, 9)}, CV_32FC3);
+        for (int i = 0; i < cloud.rows * cloud.cols; ++i) {
+            auto& point = cloud.at<cv::Vec3f>(i / cloud.cols, i % cloud.cols);
+            if (draws.chance(70)) {
+                point = {draws.real(-900, 900), draws.real(-900, 900), draws.real(800, 1100)};
+            }
+            if (draws.below(50) == 0) {
+                point[draws.below(3)] = draws.chance(50) ? kNaN : draws.real(-1e10F, 1e10F);
+            }
+        }
+        const cv::Vec3f normal = drawNormal(draws);
+        const float offset = draws.chance(40) ? 1000.0F : draws.real(900, 1100);
+        const plain::Points expected = plain::collectObjectPoints(cloud, normal, offset, plain::planeBasis(normal));
+        const internal::ObjectPoints object =
+            internal::collectObjectPoints(cloud, normal, offset, internal::planeBasis(normal));
+        ASSERT_TRUE(sameBits(object.heights, expected.heights)) << "heights, run " << run;
+        ASSERT_EQ(object.footprint, expected.footprint) << "run " << run;
+        ASSERT_TRUE(sameBits(object.largestDistance, expected.largest)) << "run " << run;
+    }
+}
+
+}  // namespace
+
+}  // namespace quorvel::test

@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "calib/reference_fit.h"
+
+#include <cmath>
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+#include <opencv2/imgproc.hpp>
+
+#include "library/calib_support.h"
+#include "library/plain/reference_fit.h"
+#include "support/same_bits.h"
+
+namespace quorvel::test {
+
+namespace {
+
+using internal::fitDominantPlane;
+using internal::fitGrownPlane;
+using internal::Plane;
+using internal::smoothDepth;
+
+const Plane kPrevious{cv::Vec3f(0.0F, 0.6F, 0.8F), 777.0F};
+
+::testing::AssertionResult samePlane(const Plane& a, const cv::Vec3f& normal, float offset) {
+    if (!sameBits(a.normal, normal) || !sameBits(a.offset, offset)) {
+        return ::testing::AssertionFailure() << a.normal << ", " << a.offset << " and " << normal << ", " << offset;
+    }
+    return ::testing::AssertionSuccess();
+}
+
+TEST(SmoothDepth, AFlatImageStaysFlat) {
+    const cv::Mat depth(9, 11, CV_16UC1, cv::Scalar(1234));
+    EXPECT_TRUE(sameBits(smoothDepth(depth), depth));
+}
+
+TEST(SmoothDepth, SpreadsAPixelWithTheKernelAppliedTwice) {
+    // (1 4 6 4 1) / 16 twice is (1 8 28 56 70 56 28 8 1) / 256 in each direction. 61440 is 15 * 4096: at offsets
+    // (dx, dy) it leaves 15 * K(dx) * K(dy) / 16: 70 * 70 -> 4593.75, 70 * 56 -> 3675, 56 * 56 -> 2940,
+    // 8 * 70 -> 525, 1 * 1 -> 0.94.
+    cv::Mat depth = cv::Mat::zeros(21, 21, CV_16UC1);
+    depth.at<ushort>(10, 10) = 61440;
+    const cv::Mat smoothed = smoothDepth(depth);
+    EXPECT_EQ(smoothed.at<ushort>(10, 10), 4594);
+    EXPECT_EQ(smoothed.at<ushort>(10, 11), 3675);
+    EXPECT_EQ(smoothed.at<ushort>(9, 10), 3675);
+    EXPECT_EQ(smoothed.at<ushort>(11, 11), 2940);
+    EXPECT_EQ(smoothed.at<ushort>(10, 13), 525);
+    EXPECT_EQ(smoothed.at<ushort>(14, 14), 1);
+    EXPECT_EQ(smoothed.at<ushort>(10, 15), 0) << "beyond four pixels nothing arrives";
+}
+
+TEST(SmoothDepth, ReflectsAtTheBorderWithoutTheEdgePixel) {
+    // One row: the first pass at pixel 0 is (6 * p0 + 2 * 4 * p1 + 2 * p2) / 16 in each direction.
+    cv::Mat depth = cv::Mat::zeros(1, 9, CV_16UC1);
+    depth.at<ushort>(0, 1) = 2560;
+    // First pass: 640+640 at 0 (= 1280), 960 + 160 at 1 (p1 and its mirror image at -1), 640, 160.
+    // Second pass at 0: (6 * 1280 + 8 * 1120 + 2 * 640) / 16 = 1120.
+    EXPECT_EQ(smoothDepth(depth).at<ushort>(0, 0), 1120);
+}
+
+TEST(SmoothDepth, AHoleGetsASmallerDepth) {
+    cv::Mat depth(9, 9, CV_16UC1, cv::Scalar(1000));
+    depth.at<ushort>(4, 4) = 0;
+    const auto inHole = smoothDepth(depth).at<ushort>(4, 4);
+    // 1000 * (1 - 4900 / 65536) = 925.2.
+    EXPECT_NEAR(inHole, 925, 1);
+}
+
+TEST(SmoothDepth, LeavesTheImageItself) {
+    cv::Mat depth = cv::Mat::zeros(9, 9, CV_16UC1);
+    depth.at<ushort>(4, 4) = 60000;
+    const cv::Mat before = depth.clone();
+    smoothDepth(depth);
+    EXPECT_TRUE(sameBits(depth, before));
+}
+
+TEST(SmoothDepth, IsTheSameForAPartOfAWiderImage) {
+    calib::Random random(131);
+    for (int i = 0; i < 100; ++i) {
+        cv::Mat depth(random.within(1, 12), random.within(1, 12), CV_16UC1);
+        for (int pixel = 0; pixel < depth.rows * depth.cols; ++pixel) {
+            depth.at<ushort>(pixel / depth.cols, pixel % depth.cols) = static_cast<ushort>(random.below(65536));
+        }
+        cv::Mat once;
+        cv::Mat twice;
+        cv::GaussianBlur(depth, once, cv::Size(5, 5), 0.0, 0.0, cv::BORDER_REFLECT_101);
+        cv::GaussianBlur(once, twice, cv::Size(5, 5), 0.0, 0.0, cv::BORDER_REFLECT_101);
+        EXPECT_TRUE(sameBits(smoothDepth(depth), twice)) << depth.size();
+        EXPECT_TRUE(sameBits(smoothDepth(calib::asSubMatrix(depth)), twice))
+            << depth.size() << ": pixels outside the image take part";
+    }
+}
+
+TEST(FitDominantPlane, AFailedFitHandsBackThePreviousPlane) {
+    calib::Random random(132);
+    calib::FloorView view;
+    view.width = 60;
+    view.height = 60;
+    const cv::Mat cloud = calib::floorCloud(view, random);
+    EXPECT_TRUE(samePlane(fitDominantPlane(cloud, kPrevious), kPrevious.normal, kPrevious.offset))
+        << "58 * 58 = 3364 candidates are too few";
+    EXPECT_TRUE(
+        samePlane(fitDominantPlane(cv::Mat::zeros(90, 90, CV_32FC3), kPrevious), kPrevious.normal, kPrevious.offset));
+    EXPECT_TRUE(
+        samePlane(fitDominantPlane(cv::Mat::zeros(1, 1, CV_32FC3), kPrevious), kPrevious.normal, kPrevious.offset));
+}
+
+TEST(FitDominantPlane, AgreesWithThePlainStages) {
+    calib::Random random(133);
+    for (int i = 0; i < 60; ++i) {
+        calib::FloorView view;
+        view.slopeX = random.between(-0.3F, 0.3F);
+        view.slopeY = random.between(-0.3F, 0.3F);
+        view.noise = random.between(0.0F, 3.0F);
+        view.absent = random.below(6);
+        const cv::Mat cloud = calib::floorCloud(view, random);
+        cv::Vec3f normal = kPrevious.normal;
+        float offset = kPrevious.offset;
+        std::srand(static_cast<unsigned>(i + 1));
+        plain::fitDominantPlane(cloud, normal, offset);
+        std::srand(static_cast<unsigned>(i + 1));
+        EXPECT_TRUE(samePlane(fitDominantPlane(cloud, kPrevious), normal, offset)) << "input " << i;
+    }
+}
+
+/// A flat floor of 40 x 40 pixels and, as the region, its middle rows and columns 10 ... 29.
+struct GrowScene {
+    GrowScene() {
+        calib::Random random(134);
+        calib::FloorView view;
+        view.width = 40;
+        view.height = 40;
+        view.slopeX = 0.1F;
+        full = calib::floorCloud(view, random);
+        region = cv::Mat::zeros(full.size(), CV_32FC3);
+        const cv::Rect middle(10, 10, 20, 20);
+        full(middle).copyTo(region(middle));
+    }
+    cv::Mat full;
+    cv::Mat region;
+};
+
+TEST(FitGrownPlane, FindsAFloorFromAPartOfIt) {
+    const GrowScene scene;
+    const Plane plane = fitGrownPlane(scene.full, scene.region, 200.0F, kPrevious);
+    const float length = std::sqrt(1.01F);
+    EXPECT_NEAR(plane.normal[0], -0.1F / length, 1e-4);
+    EXPECT_NEAR(plane.normal[1], 0.0, 1e-4);
+    EXPECT_NEAR(plane.normal[2], 1.0F / length, 1e-4);
+    EXPECT_NEAR(plane.offset, 1000.0F / length, 0.1);
+}
+
+TEST(FitGrownPlane, LeavesTheRegionCloud) {
+    const GrowScene scene;
+    const cv::Mat before = scene.region.clone();
+    fitGrownPlane(scene.full, scene.region, 200.0F, kPrevious);
+    EXPECT_TRUE(sameBits(scene.region, before));
+}
+
+TEST(FitGrownPlane, GrowsAlongThePreviousPlaneWhenTheFirstFitFails) {
+    // 400 points in the region, 1444 in the grown one: only the second fit has 1000.
+    const GrowScene scene;
+    const Plane flat{cv::Vec3f(0.0F, 0.0F, 1.0F), 500.0F};
+    EXPECT_NEAR(fitGrownPlane(scene.full, scene.region, 1000.0F, flat).offset, 1000.0F / std::sqrt(1.01F), 0.1);
+    const Plane sideways{cv::Vec3f(1.0F, 0.0F, 0.0F), 500.0F};
+    EXPECT_TRUE(samePlane(fitGrownPlane(scene.full, scene.region, 1000.0F, sideways), sideways.normal, 500.0F))
+        << "along another orientation nothing grows, and both fits fail";
+}
+
+TEST(FitGrownPlane, TwoFailedFitsHandBackThePreviousPlane) {
+    const GrowScene scene;
+    EXPECT_TRUE(
+        samePlane(fitGrownPlane(scene.full, scene.region, 1601.0F, kPrevious), kPrevious.normal, kPrevious.offset));
+    const cv::Mat nothing = cv::Mat::zeros(40, 40, CV_32FC3);
+    EXPECT_TRUE(samePlane(fitGrownPlane(nothing, nothing, 0.5F, kPrevious), kPrevious.normal, kPrevious.offset));
+}
+
+TEST(FitGrownPlane, AgreesWithThePlainStages) {
+    calib::Random random(135);
+    for (int i = 0; i < 60; ++i) {
+        calib::FloorView view;
+        view.width = random.within(1, 60);
+        view.height = random.within(1, 60);
+        view.slopeX = random.between(-0.4F, 0.4F);
+        view.slopeY = random.between(-0.4F, 0.4F);
+        view.noise = random.between(0.0F, 8.0F);
+        view.absent = random.below(10);
+        const cv::Mat full = calib::floorCloud(view, random);
+        cv::Mat region = cv::Mat::zeros(full.size(), CV_32FC3);
+        const cv::Rect inside =
+            cv::Rect(random.below(30), random.below(30), random.within(1, 30), random.within(1, 30)) &
+            cv::Rect(0, 0, full.cols, full.rows);
+        if (!inside.empty()) {
+            full(inside).copyTo(region(inside));
+        }
+        const float minPoints = random.between(0.0F, 600.0F);
+        cv::Vec3f normal = kPrevious.normal;
+        float offset = kPrevious.offset;
+        plain::fitGrownPlane(full, region, minPoints, normal, offset);
+        EXPECT_TRUE(samePlane(fitGrownPlane(full, region, minPoints, kPrevious), normal, offset)) << "input " << i;
+    }
+}
+
+}  // namespace
+
+}  // namespace quorvel::test
