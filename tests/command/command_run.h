@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+namespace quorvel::command {
+
+/// What one run of the built program gave.
+struct CommandRun {
+    std::string line;  ///< as it was called
+    int exitCode = -1;
+    std::string output;  ///< standard output
+    std::string errors;  ///< standard error
+
+    /// For a failing test: everything at once.
+    std::string text() const;
+    /// Standard output as one JSON document; a discarded value when it is none.
+    nlohmann::json json() const;
+    /// Number of lines on standard error.
+    int errorLines() const;
+};
+
+/// Runs the built program with standard output and standard error apart.
+/// \param arguments as typed in a shell
+CommandRun runCommand(const std::string& arguments);
+
+/// A fresh folder that is removed at the end of the test.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    TemporaryFolder(TemporaryFolder&&) = delete;
+    TemporaryFolder& operator=(TemporaryFolder&&) = delete;
+
+    /// Path of the folder.
+    const std::filesystem::path& path() const { return path_; }
+    /// Path of a file in it.
+    std::string file(const std::string& name) const { return (path_ / name).string(); }
+    /// Runs the program in the folder.
+    CommandRun run(const std::string& arguments) const;
+    /// Writes a file into the folder.
+    void write(const std::string& name, const std::string& bytes) const;
+    /// Content of a file in the folder; empty when there is none.
+    std::string read(const std::string& name) const;
+
+private:
+    std::filesystem::path path_;
+};
+
+}  // namespace quorvel::command

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app.h"
+
+#include <filesystem>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include <opencv2/core/utils/logger.hpp>
+
+#include <quorvel/quorvel.h>
+
+#include "calibrate_command.h"
+#include "exit_code.h"
+#include "input_error.h"
+#include "measure_command.h"
+#include "simulate_command.h"
+#include "text_format.h"
+
+namespace quorvel::command {
+
+namespace {
+
+std::string versionText() {
+    return "quorvel " + Quorvel(0.0F, 0.0F, 0.0F, 0.0F, 0, 0, false, "").getVersion();
+}
+
+int fail(const std::string& message) {
+    std::cerr << "quorvel: " << oneLine(message) << '\n';
+    return kWrongInput;
+}
+
+void changeFolder(const std::vector<std::string>& folders) {
+    for (const std::string& folder : folders) {
+        std::error_code error;
+        std::filesystem::current_path(folder, error);
+        if (error) {
+            throw InputError("-C " + folder + ": there is no such folder; check the path");
+        }
+    }
+}
+
+int runChosen(const std::vector<Subcommand>& subcommands) {
+    for (const Subcommand& subcommand : subcommands) {
+        if (subcommand.parser->parsed()) {
+            return subcommand.run();
+        }
+    }
+    return kWrongInput;
+}
+
+/// Name of the chosen subcommand, to point at its help.
+std::string helpHint(const CLI::App& app) {
+    std::string name = "quorvel";
+    for (const CLI::App* chosen : app.get_subcommands()) {
+        name += " " + chosen->get_name();
+    }
+    return " (" + name + " --help shows an example)";
+}
+
+}  // namespace
+
+int runProgram(int argc, const char* const* argv) {
+    // A failed read is explained by our own line; OpenCV's would come on top of it.
+    cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
+    CLI::App app("quorvel: a depth camera that looks down on a flat surface becomes a ruler", "quorvel");
+    std::vector<std::string> folders;
+    app.add_option("-C", folders, "change to this folder first; other paths are relative to it")
+        ->type_name("DIR")
+        ->allow_extra_args(false);
+    app.set_version_flag("--version", versionText());
+    app.require_subcommand(1);
+    const std::vector<Subcommand> subcommands{addSimulateCommand(app), addCalibrateCommand(app),
+                                              addMeasureCommand(app)};
+    app.footer(
+        "Example:\n"
+        "  quorvel simulate --preset parcel --out parcel");
+    try {
+        app.parse(argc, argv);
+        changeFolder(folders);
+        return runChosen(subcommands);
+    } catch (const CLI::Success& request) {
+        return app.exit(request);
+    } catch (const CLI::ParseError& error) {
+        return fail(error.what() + helpHint(app));
+    } catch (const InputError& error) {
+        return fail(error.what());
+    } catch (const cv::Exception& error) {
+        return fail("an image operation failed: " + error.err);
+    } catch (const std::exception& error) {
+        return fail(error.what());
+    }
+}
+
+}  // namespace quorvel::command

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "frame_options.h"
+
+#include <cmath>
+
+#include "input_error.h"
+
+namespace quorvel::command {
+
+void addFrameOptions(CLI::App& app, FrameOptions& options) {
+    addCameraOptions(app, options.camera);
+    app.add_option("--color", options.color,
+                   "colour image, aligned with the depth; without it a grey picture of the depth stands in")
+        ->type_name("FILE");
+    app.add_option("--depth", options.depth,
+                   "depth image: PNG or TIFF of 16-bit or floating-point values, 0 = no measurement")
+        ->type_name("FILE")
+        ->required();
+    app.add_option("--depth-scale", options.millimetresPerUnit,
+                   "millimetres that one stored depth unit stands for: 1 for millimetres (the default), 0.1 for "
+                   "tenths of a millimetre, 1000 for metres")
+        ->type_name("MM_PER_UNIT");
+}
+
+CameraFrame readCameraFrame(const FrameOptions& options) {
+    if (!std::isfinite(options.millimetresPerUnit) || options.millimetresPerUnit <= 0.0) {
+        throw InputError(
+            "--depth-scale: the millimetres of one stored unit are above 0; give 1 for millimetres, 1000 "
+            "for metres");
+    }
+    CameraFrame result;
+    result.frame = readFrame(options.color, options.depth, options.millimetresPerUnit);
+    result.camera = resolveCamera(options.camera, result.frame.depth.size());
+    requireSize(result.frame, result.camera.size(), options.depth);
+    return result;
+}
+
+}  // namespace quorvel::command

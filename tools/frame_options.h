@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "camera_options.h"
+#include "frame_reader.h"
+
+namespace quorvel::command {
+
+/// Options that name the camera, one frame and the unit of its depth.
+struct FrameOptions {
+    CameraOptions camera;
+    std::string color;
+    std::string depth;
+    double millimetresPerUnit = 1.0;
+};
+
+/// Adds --camera, --intrinsics, --color, --depth and --depth-scale.
+/// \param options filled by parsing; must outlive it
+void addFrameOptions(CLI::App& app, FrameOptions& options);
+
+/// A frame and the camera that took it; the sizes agree.
+struct CameraFrame {
+    Camera camera;
+    FramePair frame;
+};
+
+/// \throws InputError when an option or a file cannot be used
+CameraFrame readCameraFrame(const FrameOptions& options);
+
+}  // namespace quorvel::command

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "calibration_options.h"
+#include "frame_options.h"
+#include "measurement.h"
+
+namespace quorvel::command {
+
+/// Options of `quorvel measure` as typed.
+struct MeasureOptions {
+    FrameOptions frame;
+    std::string mode;
+    std::string emptyColor;
+    std::string emptyDepth;
+    CalibrationOptions calibration;
+    std::string area;
+    std::optional<float> filterWeight;
+    std::optional<int> sideBand;
+    std::optional<float> minHeight;
+    bool json = false;
+    std::string overlay;
+    std::string stages;
+    bool debug = false;
+};
+
+/// Adds the options to the parser.
+/// \param options filled by parsing; must outlive it
+void addMeasureOptions(CLI::App& parser, MeasureOptions& options);
+
+/// What is measured with: the options, checked, and the files they name.
+struct MeasureInput {
+    CameraFrame cameraFrame;
+    MeasurementSettings settings;
+    /// The frame to calibrate on first, if one is given.
+    std::optional<FramePair> empty;
+    CalibrationSettings calibration;
+};
+
+/// \throws InputError when an option has a wrong value or no effect in the mode, or a file cannot be used
+MeasureInput readMeasureInput(const MeasureOptions& options);
+
+}  // namespace quorvel::command

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "text_format.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+
+namespace quorvel::command {
+
+std::string fixed(double value, int decimals) {
+    std::array<char, 400> text{};  // the widest double has 309 digits before the point
+    static_cast<void>(std::snprintf(text.data(), text.size(), "%.*f", decimals, value));
+    if (text[0] == '-' && std::strtod(text.data(), nullptr) == 0.0) {
+        return text.data() + 1;
+    }
+    return text.data();
+}
+
+std::string rectangleText(const cv::Rect& rect) {
+    return std::to_string(rect.width) + " x " + std::to_string(rect.height) + " from (" + std::to_string(rect.x) +
+           ", " + std::to_string(rect.y) + ")";
+}
+
+std::string vectorText(const cv::Vec3f& vector) {
+    constexpr int kDecimals = 4;
+    return "(" + fixed(vector[0], kDecimals) + ", " + fixed(vector[1], kDecimals) + ", " + fixed(vector[2], kDecimals) +
+           ")";
+}
+
+std::string oneLine(std::string_view text) {
+    std::string line;
+    for (const char c : text) {
+        const bool blank = std::isspace(static_cast<unsigned char>(c)) != 0;
+        if (!blank) {
+            line += c;
+        } else if (!line.empty() && line.back() != ' ') {
+            line += ' ';
+        }
+    }
+    if (!line.empty() && line.back() == ' ') {
+        line.pop_back();
+    }
+    return line;
+}
+
+std::string tableText(const std::vector<std::pair<std::string, std::string>>& rows) {
+    std::size_t labelWidth = 0;
+    for (const auto& row : rows) {
+        labelWidth = std::max(labelWidth, row.first.size());
+    }
+    std::string text;
+    for (const auto& [label, value] : rows) {
+        if (!label.empty() || !value.empty()) {
+            text.append("  ").append(label).append(labelWidth - label.size() + 3, ' ').append(value);
+        }
+        text += '\n';
+    }
+    return text;
+}
+
+}  // namespace quorvel::command
