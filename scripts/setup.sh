@@ -9,7 +9,7 @@ packages=(
   ca-certificates git g++ cmake ninja-build
   libopencv-dev
   libcli11-dev nlohmann-json3-dev libyaml-cpp-dev jq
-  libgtest-dev libgmock-dev libbenchmark-dev
+  libgtest-dev libgmock-dev libbenchmark-dev locales
 )
 if [[ "${1:-}" == "--dev" ]]; then
   packages+=(clang-format clang-tidy gcovr)
