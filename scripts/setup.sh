@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Installs what building and testing need and the machine lacks. Asks nothing; does nothing when all is there.
 #   scripts/setup.sh          to build, run the demo and the tests
-#   scripts/setup.sh --dev    also what the checks need: formatter, linter, coverage report
+#   scripts/setup.sh --dev    also what the checks and the documents need: formatter, linter, coverage
 set -euo pipefail
 
 packages=(
@@ -12,7 +12,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev locales
 )
 if [[ "${1:-}" == "--dev" ]]; then
-  packages+=(clang-format clang-tidy gcovr)
+  packages+=(clang-format clang-tidy gcovr pngquant)
 fi
 
 missing=()
