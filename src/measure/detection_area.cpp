@@ -40,23 +40,20 @@ cv::Rect insidePicture(const cv::Rect& region, const cv::Size& image) {
     return {left, top, std::max(right - left, 0), std::max(bottom - top, 0)};
 }
 
-/// The part of the picture that has to be drawn. A polygon inside the picture is drawn alone, which moves every pixel
-/// by whole steps; one that leaves it is drawn into the whole picture, because its lines are clipped there.
-cv::Rect canvasOf(const cv::Rect& bounds, const cv::Size& image) {
-    const cv::Rect picture(cv::Point(0, 0), image);
-    return (bounds & picture) == bounds ? bounds : picture;
-}
-
 }  // namespace
 
 bool topFaceMeetsRegion(const std::array<cv::Point2f, 4>& topFace, const cv::Rect& region, const cv::Size& image) {
+    if (image.width <= 0 || image.height <= 0) {
+        return false;
+    }
     Polygon polygon = drawnPolygon(topFace);
-    const cv::Rect bounds = cv::boundingRect(polygon);
-    const cv::Rect wanted = insidePicture(region, image) & bounds;
+    // The polygon's part of the picture, drawn alone, has the pixels of the whole picture: its outline is clipped only
+    // where it leaves the picture, at the same edges, and everything else moves by whole pixels.
+    const cv::Rect canvas = cv::boundingRect(polygon) & cv::Rect(cv::Point(0, 0), image);
+    const cv::Rect wanted = insidePicture(region, image) & canvas;
     if (wanted.empty()) {
         return false;
     }
-    const cv::Rect canvas = canvasOf(bounds, image);
     for (cv::Point& corner : polygon) {
         corner -= canvas.tl();
     }

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -65,8 +67,15 @@ MeasureResult record(Box box, float offset, const UsableArea& area) {
     return result;
 }
 
+/// A host may have set any factor: what int cannot hold ends at its limits.
+int scaledUp(int smallSide, int downScale) {
+    const std::int64_t side = static_cast<std::int64_t>(smallSide) * downScale;
+    return static_cast<int>(
+        std::clamp<std::int64_t>(side, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
+
 cv::Size pictureSize(const cv::Mat& depthSmall, int downScale) {
-    return {downScale * depthSmall.cols, downScale * depthSmall.rows};
+    return {scaledUp(depthSmall.cols, downScale), scaledUp(depthSmall.rows, downScale)};
 }
 
 }  // namespace

@@ -61,8 +61,10 @@ std::size_t nearestRegion(const std::vector<Region>& regions, int minPixels) {
 void openMask(cv::Mat& mask) {
     const cv::Point centre(-1, -1);
     const cv::Scalar outside(0);
-    cv::erode(mask, mask, cv::Mat(), centre, 1, cv::BORDER_CONSTANT, outside);
-    cv::dilate(mask, mask, cv::Mat(), centre, 1, cv::BORDER_CONSTANT, outside);
+    // Isolated: the pixels around a mask that is a window of a larger image count as outside too.
+    constexpr int kBorder = cv::BORDER_CONSTANT | cv::BORDER_ISOLATED;
+    cv::erode(mask, mask, cv::Mat(), centre, 1, kBorder, outside);
+    cv::dilate(mask, mask, cv::Mat(), centre, 1, kBorder, outside);
 }
 
 }  // namespace

@@ -330,6 +330,18 @@ TEST(MeasureOnce, SurvivesAHostThatSwapsImages) {
     }
 }
 
+TEST(MeasureOnce, SurvivesAHostThatChangesTheDownScale) {
+    // The picture's size is taken as the small image's times the factor: none, a negative one, a part, a huge one.
+    for (const auto& [downScale, inView] :
+         {std::pair<int, bool>{0, false}, {-4, false}, {2, false}, {1000, true}, {1 << 30, true}}) {
+        Quorvel ruler = rulerBefore(blockScene(200), KIOSK);
+        ruler.downScale = downScale;
+        EXPECT_EQ(ruler.measureOnce(), 0) << downScale;
+        EXPECT_EQ(ruler.result.inView, inView) << downScale;
+        EXPECT_EQ(ruler.result.corners.empty(), downScale <= 0) << downScale;
+    }
+}
+
 TEST(MeasureOnce, WorksOnTheReducedImagesInASecondCall) {
     // The first call leaves 304 of the block's 384 points; the second filters those again and measures less.
     Quorvel ruler = rulerBefore(blockScene(200), GROUND_GROWING);

@@ -173,6 +173,20 @@ TEST(ObjectComponent, AcceptsAnyMinimum) {
     EXPECT_EQ(select(depth, INT_MAX).status, 1);
 }
 
+TEST(ObjectComponent, SurvivesMoreRegionsThanLabels) {
+    // A checkerboard of 150000 single pixels; a label has 16 bits.
+    cv::Mat depth = cv::Mat::zeros(500, 600, CV_16UC1);
+    for (int row = 0; row < depth.rows; ++row) {
+        for (int column = row % 2; column < depth.cols; column += 2) {
+            depth.at<ushort>(row, column) = 700;
+        }
+    }
+    const Selection selection = select(depth, 100);
+    EXPECT_EQ(selection.status, 1);
+    EXPECT_EQ(selection.output, kNoObject);
+    EXPECT_TRUE(sameBits(selection.mask, maskOf(depth)));
+}
+
 TEST(ObjectComponent, AcceptsASinglePixelImage) {
     const cv::Mat depth(1, 1, CV_16UC1, cv::Scalar(900));
     EXPECT_EQ(select(depth, 1).status, 1);
@@ -200,6 +214,17 @@ cv::Mat drawDepth(Draws& draws) {
         }
     }
     return depth;
+}
+
+TEST(ObjectComponent, TakesWhatSurroundsAWindowAsOutside) {
+    // The mask is a window of a larger image of 255: the opening must not see that.
+    const cv::Mat depth(6, 8, CV_16UC1, cv::Scalar(900));
+    cv::Mat alone(depth.size(), CV_8UC1, cv::Scalar(255));
+    cv::Mat larger(20, 20, CV_8UC1, cv::Scalar(255));
+    cv::Mat window = larger(cv::Rect(5, 7, depth.cols, depth.rows));
+    ASSERT_EQ(internal::selectObjectComponent(depth, 1, alone), 0);
+    ASSERT_EQ(internal::selectObjectComponent(depth, 1, window), 0);
+    EXPECT_TRUE(sameBits(window, alone));
 }
 
 TEST(ObjectComponent, AgreesWithThePlainFormOnRandomImages) {
