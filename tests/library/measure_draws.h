@@ -21,6 +21,10 @@ public:
     int between(int low, int high) { return low + below(high - low + 1); }
     /// \return low ... high in 2^16 steps
     float real(float low, float high) { return low + (high - low) * (static_cast<float>(below(65536)) / 65536.0F); }
+    /// \return low ... high in 2^32 steps
+    double uniform(double low, double high) {
+        return low + (high - low) * (static_cast<double>(generator_()) / 4294967296.0);
+    }
     bool chance(int percent) { return below(100) < percent; }
 
 private:

@@ -2,13 +2,13 @@
 // The whole measurement against its plain form, bit for bit, over hundreds of random scenes: cluttered, noisy, tilted,
 // of odd picture sizes, with and without side band, in all modes.
 #include <cstdlib>
-#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include <quorvel/quorvel.h>
 
+#include "library/measure_draws.h"
 #include "library/plain/object_chain.h"
 #include "library/same_result.h"
 #include "sim/render.h"
@@ -20,69 +20,57 @@ namespace quorvel::test {
 
 namespace {
 
-class Dice {
-public:
-    explicit Dice(unsigned seed) : generator_(seed) {}
-    double between(double low, double high) {
-        return low + (high - low) * (static_cast<double>(generator_()) / 4294967296.0);
-    }
-    int upTo(int count) { return static_cast<int>(generator_() % static_cast<unsigned>(count + 1)); }
-
-private:
-    std::mt19937 generator_;
-};
-
-sim::Scene randomScene(Dice& dice, unsigned seed, ProductType mode) {
+sim::Scene randomScene(Draws& draws, unsigned seed, ProductType mode) {
     sim::Scene scene;
     scene.name = "seed " + std::to_string(seed);
     scene.seed = seed;
     // The fit on every frame needs more than 4000 small-image pixels of one orientation.
     const int smallest = mode == GROUND_TRACKING ? 420 : 200;
-    const int width = smallest + dice.upTo(240);
-    const int height = smallest * 3 / 4 + dice.upTo(160);
-    const double focal = dice.between(0.8, 1.2) * width;
-    scene.camera = {focal, focal, dice.between(0.45, 0.55) * width, dice.between(0.45, 0.55) * height, width, height};
-    const double t = dice.between(500.0, 1600.0);
-    scene.surface = {t, dice.between(-6.0, 6.0), dice.between(-6.0, 6.0), 0.0};
-    const int boxes = dice.upTo(4);
+    const int width = smallest + draws.between(0, 240);
+    const int height = smallest * 3 / 4 + draws.between(0, 160);
+    const double focal = draws.uniform(0.8, 1.2) * width;
+    scene.camera = {focal, focal, draws.uniform(0.45, 0.55) * width, draws.uniform(0.45, 0.55) * height, width, height};
+    const double t = draws.uniform(500.0, 1600.0);
+    scene.surface = {t, draws.uniform(-6.0, 6.0), draws.uniform(-6.0, 6.0), 0.0};
+    const int boxes = draws.between(0, 4);
     for (int i = 0; i < boxes; ++i) {
         const double reach = i == 0 ? 0.1 : 0.5;
         sim::Box box;
-        box.length = dice.between(0.08, 0.35) * t;
-        box.width = dice.between(0.05, 0.3) * t;
-        box.height = dice.between(0.01, 0.4) * t;
-        box.yawDeg = dice.between(0.0, 180.0);
-        box.x = dice.between(-reach, reach) * t;
-        box.y = dice.between(-reach, reach) * t;
+        box.length = draws.uniform(0.08, 0.35) * t;
+        box.width = draws.uniform(0.05, 0.3) * t;
+        box.height = draws.uniform(0.01, 0.4) * t;
+        box.yawDeg = draws.uniform(0.0, 180.0);
+        box.x = draws.uniform(-reach, reach) * t;
+        box.y = draws.uniform(-reach, reach) * t;
         scene.boxes.push_back(box);
     }
-    if (dice.upTo(3) == 0) {
+    if (draws.between(0, 3) == 0) {
         sim::Cylinder cylinder;
-        cylinder.x = dice.between(-0.3, 0.3) * t;
-        cylinder.y = dice.between(-0.3, 0.3) * t;
-        cylinder.diameter = dice.between(0.05, 0.2) * t;
-        cylinder.height = dice.between(0.05, 0.3) * t;
+        cylinder.x = draws.uniform(-0.3, 0.3) * t;
+        cylinder.y = draws.uniform(-0.3, 0.3) * t;
+        cylinder.diameter = draws.uniform(0.05, 0.2) * t;
+        cylinder.height = draws.uniform(0.05, 0.3) * t;
         scene.cylinders = {cylinder};
     }
-    scene.effects.axialNoise = dice.between(0.0, 3.0);
-    scene.effects.flyingPixels = dice.between(0.0, 0.6);
-    scene.effects.dropout = dice.between(0.0, 0.02);
-    scene.effects.holeCount = dice.upTo(4);
-    scene.effects.holeRadius = dice.between(0.0, 6.0);
+    scene.effects.axialNoise = draws.uniform(0.0, 3.0);
+    scene.effects.flyingPixels = draws.uniform(0.0, 0.6);
+    scene.effects.dropout = draws.uniform(0.0, 0.02);
+    scene.effects.holeCount = draws.between(0, 4);
+    scene.effects.holeRadius = draws.uniform(0.0, 6.0);
     return scene;
 }
 
-Quorvel calibratedRuler(Dice& dice, const sim::Scene& scene, const cv::Mat& emptyDepth, ProductType mode) {
+Quorvel calibratedRuler(Draws& draws, const sim::Scene& scene, const cv::Mat& emptyDepth, ProductType mode) {
     const sim::Camera& camera = scene.camera;
     Quorvel ruler(static_cast<float>(camera.fx), static_cast<float>(camera.fy), static_cast<float>(camera.cx),
                   static_cast<float>(camera.cy), camera.width, camera.height, false, "");
     cv::Rect region;
     ruler.setProductType(mode);
     ruler.setCalibrationRoI(0.7F, region);
-    ruler.setEffectiveRegionInArea(static_cast<float>(dice.between(0.1, 1.2)), region);
-    ruler.setFilterWeight(static_cast<float>(dice.upTo(1) == 0 ? -1.0 : dice.between(-0.05, 0.02)));
-    if (dice.upTo(2) == 0) {
-        ruler.setCameraType(true, dice.upTo(200));
+    ruler.setEffectiveRegionInArea(static_cast<float>(draws.uniform(0.1, 1.2)), region);
+    ruler.setFilterWeight(static_cast<float>(draws.between(0, 1) == 0 ? -1.0 : draws.uniform(-0.05, 0.02)));
+    if (draws.between(0, 2) == 0) {
+        ruler.setCameraType(true, draws.between(0, 200));
     }
     std::srand(scene.seed);
     const cv::Mat color(camera.height, camera.width, CV_8UC3, cv::Scalar::all(90.0));
@@ -100,12 +88,12 @@ struct Outcomes {
 
 /// Measures one scene in both forms and compares everything that a measurement writes.
 void compareForms(unsigned seed, ProductType mode, Outcomes& outcomes) {
-    Dice dice(seed * 3 + static_cast<unsigned>(mode));
-    const sim::Scene scene = randomScene(dice, seed, mode);
+    Draws draws(seed * 3 + static_cast<unsigned>(mode));
+    const sim::Scene scene = randomScene(draws, seed, mode);
     sim::Scene emptyScene = scene;
     emptyScene.boxes.clear();
     emptyScene.cylinders.clear();
-    Quorvel fast = calibratedRuler(dice, scene, sim::renderDepth(emptyScene, 1), mode);
+    Quorvel fast = calibratedRuler(draws, scene, sim::renderDepth(emptyScene, 1), mode);
     const cv::Mat depth = sim::renderDepth(scene, 0);
     const cv::Mat color(depth.size(), CV_8UC3, cv::Scalar::all(90.0));
     ASSERT_TRUE(fast.getCameraFrame(color, depth)) << scene.name;

@@ -14,7 +14,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <numeric>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -23,6 +22,7 @@
 
 #include <quorvel/quorvel.h>
 
+#include "library/measure_draws.h"
 #include "ruler/distance_bands.h"
 #include "sim/render.h"
 #include "sim/truth.h"
@@ -34,34 +34,22 @@ namespace {
 
 constexpr double kFocal = 600.0;
 
-/// Uniform numbers that are the same on every platform.
-class Dice {
-public:
-    explicit Dice(unsigned seed) : generator_(seed) {}
-    double between(double low, double high) {
-        return low + (high - low) * (static_cast<double>(generator_()) / 4294967296.0);
-    }
-
-private:
-    std::mt19937 generator_;
-};
-
 /// A box near the middle of the picture that fills a sensible part of it, on a surface seen straight.
 sim::Scene randomScene(unsigned seed) {
-    Dice dice(seed);
+    Draws draws(seed);
     sim::Scene scene;
     scene.name = "seed " + std::to_string(seed);
     scene.camera = {kFocal, kFocal, 319.5, 239.5, 640, 480};
-    const double t = dice.between(600.0, 1500.0);
+    const double t = draws.uniform(600.0, 1500.0);
     scene.surface.distance = t;
     const double viewHeight = t * 480.0 / kFocal;
     sim::Box box;
-    box.length = dice.between(0.15, 0.35) * viewHeight;
-    box.width = dice.between(0.5, 1.0) * box.length;
-    box.height = dice.between(30.0, 0.3 * t);
-    box.yawDeg = dice.between(0.0, 180.0);
-    box.x = dice.between(-0.06, 0.06) * viewHeight;
-    box.y = dice.between(-0.06, 0.06) * viewHeight;
+    box.length = draws.uniform(0.15, 0.35) * viewHeight;
+    box.width = draws.uniform(0.5, 1.0) * box.length;
+    box.height = draws.uniform(30.0, 0.3 * t);
+    box.yawDeg = draws.uniform(0.0, 180.0);
+    box.x = draws.uniform(-0.06, 0.06) * viewHeight;
+    box.y = draws.uniform(-0.06, 0.06) * viewHeight;
     scene.boxes = {box};
     scene.seed = seed;
     return scene;
