@@ -50,9 +50,8 @@ template <typename Element>
         const auto* right = b.ptr<Element>(row);
         for (int i = 0; i < a.cols * a.channels(); ++i) {
             if (!sameElement(left[i], right[i])) {
-                return ::testing::AssertionFailure()
-                       << "row " << row << ", column " << i / a.channels() << ", channel " << i % a.channels() << ": "
-                       << +left[i] << " and " << +right[i];
+                return ::testing::AssertionFailure() << "row " << row << ", column " << i / a.channels() << ", channel "
+                                                     << i % a.channels() << ": " << +left[i] << " and " << +right[i];
             }
         }
     }
