@@ -257,7 +257,7 @@ public:
     /// Releases the images; writes no file.
     QUORVEL_API ~Quorvel();
 
-    // Frames
+    // Frame intake and measurement
 
     /// Takes one frame in: clones it, derives the small images and both point clouds, and in GROUND_TRACKING
     /// fits the reference plane anew.
