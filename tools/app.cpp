@@ -11,9 +11,12 @@
 #include <quorvel/quorvel.h>
 
 #include "calibrate_command.h"
+#include "capture_command.h"
 #include "exit_code.h"
 #include "input_error.h"
 #include "measure_command.h"
+#include "param_command.h"
+#include "replay_command.h"
 #include "simulate_command.h"
 #include "text_format.h"
 
@@ -70,8 +73,8 @@ int runProgram(int argc, const char* const* argv) {
         ->allow_extra_args(false);
     app.set_version_flag("--version", versionText());
     app.require_subcommand(1);
-    const std::vector<Subcommand> subcommands{addSimulateCommand(app), addCalibrateCommand(app),
-                                              addMeasureCommand(app)};
+    const std::vector<Subcommand> subcommands{addSimulateCommand(app), addCalibrateCommand(app), addMeasureCommand(app),
+                                              addReplayCommand(app),   addCaptureCommand(app),   addParamCommand(app)};
     app.footer(
         "Example:\n"
         "  quorvel simulate --preset parcel --out parcel");

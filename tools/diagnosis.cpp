@@ -179,6 +179,8 @@ std::string reasonCode(Reason reason) {
             return "misses_area";
         case Reason::OutOfView:
             return "out_of_view";
+        case Reason::FramesDisagree:
+            return "frames_disagree";
         case Reason::None:
             break;
     }

@@ -28,7 +28,9 @@ enum class Reason {
     /// The top face of the box lies outside the detection area.
     MissesArea,
     /// A corner of the box leaves the usable picture.
-    OutOfView
+    OutOfView,
+    /// Two frames of a batch differ by more than a tolerance.
+    FramesDisagree
 };
 
 /// \return the reason's name in the JSON output, such as "region_too_small"

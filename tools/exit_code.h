@@ -10,4 +10,9 @@ constexpr int kNothingMeasured = 1;
 /// An option, a file or the working folder cannot be used.
 constexpr int kWrongInput = 2;
 
+/// Replayed captures measure otherwise than they did.
+constexpr int kChanged = 1;
+/// Added to the number of the signal that ended a run early, as shells do: 130 after Ctrl-C.
+constexpr int kSignalBase = 128;
+
 }  // namespace quorvel::command

@@ -7,19 +7,33 @@
 
 namespace quorvel::command {
 
-void addFrameOptions(CLI::App& app, FrameOptions& options) {
-    addCameraOptions(app, options.camera);
-    app.add_option("--color", options.color,
-                   "colour image, aligned with the depth; without it a grey picture of the depth stands in")
-        ->type_name("FILE");
-    app.add_option("--depth", options.depth,
-                   "depth image: PNG or TIFF of 16-bit or floating-point values, 0 = no measurement")
-        ->type_name("FILE")
-        ->required();
-    app.add_option("--depth-scale", options.millimetresPerUnit,
+namespace {
+
+constexpr const char* kColorHelp =
+    "colour image, aligned with the depth; without it a grey picture of the depth stands in";
+constexpr const char* kDepthHelp = "depth image: PNG or TIFF of 16-bit or floating-point values, 0 = no measurement";
+
+void addDepthScaleOption(CLI::App& app, double& millimetresPerUnit) {
+    app.add_option("--depth-scale", millimetresPerUnit,
                    "millimetres that one stored depth unit stands for: 1 for millimetres (the default), 0.1 for "
                    "tenths of a millimetre, 1000 for metres")
         ->type_name("MM_PER_UNIT");
+}
+
+}  // namespace
+
+void addFrameOptions(CLI::App& app, FrameOptions& options) {
+    addCameraOptions(app, options.camera);
+    app.add_option("--color", options.color, kColorHelp)->type_name("FILE");
+    app.add_option("--depth", options.depth, kDepthHelp)->type_name("FILE")->required();
+    addDepthScaleOption(app, options.millimetresPerUnit);
+}
+
+void addFrameListOptions(CLI::App& app, FrameListOptions& options) {
+    addCameraOptions(app, options.camera);
+    app.add_option("--color", options.colors, kColorHelp + std::string("; several make a batch"))->type_name("FILE");
+    app.add_option("--depth", options.depths, kDepthHelp + std::string("; several make a batch"))->type_name("FILE");
+    addDepthScaleOption(app, options.millimetresPerUnit);
 }
 
 CameraFrame readCameraFrame(const FrameOptions& options) {

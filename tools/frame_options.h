@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -21,6 +22,19 @@ struct FrameOptions {
 /// Adds --camera, --intrinsics, --color, --depth and --depth-scale.
 /// \param options filled by parsing; must outlive it
 void addFrameOptions(CLI::App& app, FrameOptions& options);
+
+/// Options that name the camera, any number of frames and the unit of their depth.
+struct FrameListOptions {
+    CameraOptions camera;
+    /// Empty, or as many as `depths`: the k-th belongs to the k-th depth.
+    std::vector<std::string> colors;
+    std::vector<std::string> depths;
+    double millimetresPerUnit = 1.0;
+};
+
+/// The same options as addFrameOptions() adds, with --color and --depth taking several files and --depth not required.
+/// \param options filled by parsing; must outlive it
+void addFrameListOptions(CLI::App& app, FrameListOptions& options);
 
 /// A frame and the camera that took it; the sizes agree.
 struct CameraFrame {

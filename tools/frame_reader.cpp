@@ -20,9 +20,7 @@ namespace {
 /// No depth camera measures nearer than this, mm: a smaller maximum means that the unit is not millimetres.
 constexpr double kNearestSensibleDepth = 30.0;
 
-std::string sizeText(cv::Size size) {
-    return std::to_string(size.width) + " x " + std::to_string(size.height);
-}
+const char* const kDepthFiles = "a 16-bit PNG or TIFF file";
 
 std::vector<unsigned char> readBytes(const std::string& path) {
     if (std::filesystem::is_directory(path)) {
@@ -63,8 +61,20 @@ cv::Mat readColor(const std::string& path) {
     return decode(path, cv::IMREAD_COLOR | cv::IMREAD_IGNORE_ORIENTATION, "a PNG, TIFF or JPEG file");
 }
 
+std::string sizeText(cv::Size size) {
+    return std::to_string(size.width) + " x " + std::to_string(size.height);
+}
+
+cv::Mat readMillimetres(const std::string& path) {
+    cv::Mat depth = decode(path, cv::IMREAD_UNCHANGED, kDepthFiles);
+    if (depth.type() != CV_16UC1) {
+        throw InputError(path + ": holds " + kindText(depth) + ", and a capture's depth is one channel of 16 bits");
+    }
+    return depth;
+}
+
 cv::Mat readDepth(const std::string& path, double millimetresPerUnit) {
-    const cv::Mat stored = decode(path, cv::IMREAD_UNCHANGED, "a 16-bit PNG or TIFF file");
+    const cv::Mat stored = decode(path, cv::IMREAD_UNCHANGED, kDepthFiles);
     const int type = stored.type();
     if (type != CV_16UC1 && type != CV_32FC1 && type != CV_64FC1) {
         throw InputError(path + ": holds " + kindText(stored) +

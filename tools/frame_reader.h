@@ -27,6 +27,15 @@ cv::Mat readColor(const std::string& path);
 ///         than any depth camera sees, as a file in metres does without its scale
 cv::Mat readDepth(const std::string& path, double millimetresPerUnit);
 
+/// Reads depth that is in millimetres for certain, as the library writes it; any depth is believed.
+/// \param path one-channel PNG or TIFF of 16-bit values
+/// \return CV_16UC1, mm
+/// \throws InputError when the file is missing, damaged or of another kind
+cv::Mat readMillimetres(const std::string& path);
+
+/// \return "W x H", pixels
+std::string sizeText(cv::Size size);
+
 /// Reads both images of an instant.
 /// \param colorPath empty when there is no colour image; a grey picture made from the depth stands in
 /// \throws InputError as the two readers do, and when the sizes differ

@@ -2,9 +2,12 @@
 #include "measure_options.h"
 
 #include <cmath>
+#include <limits>
 
 #include "input_error.h"
 #include "mode_option.h"
+#include "numbers.h"
+#include "ruler_params.h"
 
 namespace quorvel::command {
 
@@ -48,10 +51,97 @@ void requireSensible(const MeasureOptions& options) {
     }
 }
 
+bool isBatch(const MeasureOptions& options) {
+    return !options.batch.empty() || !options.tolerance.empty() || options.frames.depths.size() > 1 ||
+           options.frames.colors.size() > 1;
+}
+
+/// Refuses what cannot be done with a batch.
+void requireBatchOptions(const MeasureOptions& options, ProductType mode) {
+    if (mode == GROUND_GROWING) {
+        throw InputError(
+            "--mode: ground-growing measures no batches, only kiosk and ground-tracking do; choose one of them, or "
+            "measure one frame without --batch and --tolerance");
+    }
+    if (options.tolerance.empty()) {
+        throw InputError(
+            "--tolerance: a batch needs the largest differences between its frames that count as agreement; add "
+            "--tolerance L,W,H in mm, such as --tolerance 5,5,3");
+    }
+    if (!options.stages.empty()) {
+        throw InputError("--stages: shows the stages of one frame; measure it alone, without --batch and --tolerance");
+    }
+    if (!options.batch.empty() && !(options.frames.colors.empty() && options.frames.depths.empty())) {
+        throw InputError(
+            "--batch: names all frames of the folder; leave out --color and --depth, or list all frames "
+            "with them");
+    }
+}
+
+float toleranceOf(double millimetres, const std::string& text) {
+    if (!(millimetres >= 0.0 && millimetres <= static_cast<double>(std::numeric_limits<float>::max()))) {
+        throw InputError("--tolerance: every tolerance must be a finite number of 0 mm or more, and \"" + text +
+                         "\" has another");
+    }
+    return static_cast<float>(millimetres);
+}
+
+Sizes parseTolerance(const std::string& text) {
+    const std::vector<double> numbers = parseNumbers(text, "--tolerance");
+    if (numbers.size() != 3) {
+        throw InputError("--tolerance: \"" + text + "\" has " + std::to_string(numbers.size()) +
+                         " numbers; give three in mm, for length, width and height, such as 5,5,3");
+    }
+    return {toleranceOf(numbers[0], text), toleranceOf(numbers[1], text), toleranceOf(numbers[2], text)};
+}
+
+std::vector<FrameFiles> filesOf(const MeasureOptions& options) {
+    return options.batch.empty() ? pairFiles(options.frames.colors, options.frames.depths) : findFrames(options.batch);
+}
+
+/// Reads the frames, and the camera with the first of them.
+void readFrames(const FrameListOptions& options, MeasureInput& input) {
+    const FrameFiles& first = input.files.front();
+    CameraFrame cameraFrame = readCameraFrame({options.camera, first.color, first.depth, options.millimetresPerUnit});
+    input.camera = cameraFrame.camera;
+    input.frames.push_back(std::move(cameraFrame.frame));
+    for (auto files = input.files.begin() + 1; files != input.files.end(); ++files) {
+        input.frames.push_back(readFrame(files->color, files->depth, options.millimetresPerUnit));
+        requireSize(input.frames.back(), input.camera.size(), files->depth);
+    }
+}
+
+/// Takes from a ruler parameter file what no option has set.
+void applyParams(const std::string& path, MeasureInput& input) {
+    const RulerParams params = readRulerParams(path);
+    const std::vector<std::string> problems = rulerParamProblems(params, input.camera.size());
+    if (!problems.empty()) {
+        throw InputError(path + ": " + problems.front() + "; use the parameter file that belongs to this camera");
+    }
+    if (!input.settings.area) {
+        input.settings.area = params.detectArea;
+    }
+    if (!input.settings.filterWeight) {
+        input.settings.filterWeight = params.groundWeight;
+    }
+    if (!input.calibration.area) {
+        input.calibration.area = params.calibrationArea;
+    }
+}
+
 }  // namespace
 
 void addMeasureOptions(CLI::App& parser, MeasureOptions& options) {
-    addFrameOptions(parser, options.frame);
+    addFrameListOptions(parser, options.frames);
+    parser
+        .add_option("--batch", options.batch,
+                    "measure all frames of a folder as one batch: pairs such as color_00.png and depth_00.png")
+        ->type_name("DIR");
+    parser
+        .add_option("--tolerance", options.tolerance,
+                    "largest difference between any two frames of a batch in length, width and height; the batch is "
+                    "refused beyond it")
+        ->type_name("L,W,H");
     parser.add_option("--mode", options.mode, "kiosk, ground-tracking or ground-growing")
         ->type_name("MODE")
         ->required();
@@ -73,6 +163,11 @@ void addMeasureOptions(CLI::App& parser, MeasureOptions& options) {
                     "needs a negative weight, such as -1")
         ->type_name("W");
     parser
+        .add_option("--params", options.params,
+                    "ruler parameter file: detection area, filter weight, and the area of a calibration first, where "
+                    "no option gives them")
+        ->type_name("FILE");
+    parser
         .add_option("--side-band", options.sideBand,
                     "camera type value: width of the band at the left and right edge that the box must keep clear")
         ->type_name("MM");
@@ -92,20 +187,28 @@ MeasureInput readMeasureInput(const MeasureOptions& options) {
     input.settings.mode = modeFromName(options.mode);
     requireEffect(options, input.settings.mode);
     requireSensible(options);
+    if (isBatch(options)) {
+        requireBatchOptions(options, input.settings.mode);
+        input.tolerance = parseTolerance(options.tolerance);
+    }
     input.settings.filterWeight = options.filterWeight;
     input.settings.sideBand = options.sideBand;
     input.settings.minHeight = options.minHeight;
     input.settings.debug = options.debug;
 
-    input.cameraFrame = readCameraFrame(options.frame);
-    const cv::Size picture = input.cameraFrame.camera.size();
+    input.files = filesOf(options);
+    readFrames(options.frames, input);
+    const cv::Size picture = input.camera.size();
     if (!options.area.empty()) {
         input.settings.area = parseRegion(options.area, "--area");
         requireInside(*input.settings.area, picture, "--area");
     }
     input.calibration = calibrationSettings(options.calibration, picture);
+    if (!options.params.empty()) {
+        applyParams(options.params, input);
+    }
     if (!options.emptyDepth.empty()) {
-        input.empty = readFrame(options.emptyColor, options.emptyDepth, options.frame.millimetresPerUnit);
+        input.empty = readFrame(options.emptyColor, options.emptyDepth, options.frames.millimetresPerUnit);
         requireSize(*input.empty, picture, options.emptyDepth);
     }
     return input;

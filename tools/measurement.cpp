@@ -12,26 +12,6 @@ namespace quorvel::command {
 
 namespace {
 
-void applySettings(Quorvel& ruler, const MeasurementSettings& settings) {
-    if (settings.area) {
-        if (const auto* rect = std::get_if<cv::Rect>(&*settings.area)) {
-            ruler.setEffectiveRegionInArea(*rect);
-        } else {
-            cv::Rect chosen;
-            ruler.setEffectiveRegionInArea(std::get<float>(*settings.area), chosen);
-        }
-    }
-    if (settings.filterWeight) {
-        ruler.setFilterWeight(*settings.filterWeight);
-    }
-    if (settings.sideBand) {
-        ruler.setCameraType(true, *settings.sideBand);
-    }
-    if (settings.minHeight) {
-        ruler.minObjectHeight = *settings.minHeight;
-    }
-}
-
 int countPoints(const cv::Mat_<cv::Vec3f>& cloud) {
     return static_cast<int>(std::count_if(cloud.begin(), cloud.end(), isPresent));
 }
@@ -47,16 +27,6 @@ std::vector<cv::Point2f> cornersAnywhere(const Quorvel& ruler, const FramePair& 
     probe.effectiveRegion = cv::Rect(0, 0, ruler.imageWidth, ruler.imageHeight);
     probe.measureOnce();
     return probe.result.corners;
-}
-
-Measurement describe(const Quorvel& ruler) {
-    Measurement measurement;
-    measurement.plane = planeOf(ruler);
-    measurement.detectionArea = ruler.effectiveRegion;
-    measurement.filterWeight = ruler.filterWeight;
-    measurement.minObjectHeight = ruler.minObjectHeight;
-    measurement.minObjectPixels = ruler.minObjectPixels;
-    return measurement;
 }
 
 /// Sides of the box on the plane, longer first, mm.
@@ -111,30 +81,58 @@ void selectMode(Quorvel& ruler, const MeasurementSettings& settings) {
     ruler.setProductType(settings.mode);
 }
 
+void applySettings(Quorvel& ruler, const MeasurementSettings& settings) {
+    if (settings.area) {
+        if (const auto* rect = std::get_if<cv::Rect>(&*settings.area)) {
+            ruler.setEffectiveRegionInArea(*rect);
+        } else {
+            cv::Rect chosen;
+            ruler.setEffectiveRegionInArea(std::get<float>(*settings.area), chosen);
+        }
+    }
+    if (settings.filterWeight) {
+        ruler.setFilterWeight(*settings.filterWeight);
+    }
+    if (settings.sideBand) {
+        ruler.setCameraType(true, *settings.sideBand);
+    }
+    if (settings.minHeight) {
+        ruler.minObjectHeight = *settings.minHeight;
+    }
+}
+
+Measurement describe(const Quorvel& ruler) {
+    Measurement measurement;
+    measurement.plane = planeOf(ruler);
+    measurement.detectionArea = ruler.effectiveRegion;
+    measurement.filterWeight = ruler.filterWeight;
+    measurement.minObjectHeight = ruler.minObjectHeight;
+    measurement.minObjectPixels = ruler.minObjectPixels;
+    return measurement;
+}
+
 Measurement measureFrame(Quorvel& ruler, const FramePair& frame, const MeasurementSettings& settings) {
     const LibraryOutputToStderr redirected;
     applySettings(ruler, settings);
-    const Stopwatch frameWatch;
+    const Stopwatch watch;
     ruler.getCameraFrame(frame.color, frame.depth);
-    const double frameMilliseconds = frameWatch.milliseconds();
+    const double milliseconds = watch.milliseconds();
     if (!isUsable(planeOf(ruler))) {
-        const int measured = cv::countNonZero(ruler.depthSmall);
-        Measurement measurement = describe(ruler);
-        measurement.diagnosis =
-            noPlane("no plane could be fitted to the frame: " + std::to_string(measured) +
-                        " pixels of the small picture have a depth, and ground-tracking needs more than 4000 that face "
-                        "one way; let more of the surface be seen, or calibrate and measure with --mode kiosk",
-                    {{"measured_pixels", measured}, {"needed_pixels", 4000}});
-        return measurement;
+        return measurementWithoutFittedPlane(ruler);
     }
+    Measurement measurement = measureHeldFrame(ruler, frame);
+    measurement.frameMilliseconds = milliseconds;
+    return measurement;
+}
+
+Measurement measureHeldFrame(Quorvel& ruler, const FramePair& frame) {
     const cv::Mat depthBefore = ruler.depthSmall.clone();
-    const Stopwatch measureWatch;
+    const Stopwatch watch;
     const int status = ruler.measureOnce();
-    const double measureMilliseconds = measureWatch.milliseconds();
+    const double milliseconds = watch.milliseconds();
 
     Measurement measurement = describe(ruler);
-    measurement.frameMilliseconds = frameMilliseconds;
-    measurement.measureMilliseconds = measureMilliseconds;
+    measurement.measureMilliseconds = milliseconds;
     measurement.result = ruler.result;
     measurement.facts = factsOf(ruler, depthBefore, status);
     if (status == 0) {
@@ -149,6 +147,17 @@ Measurement measureFrame(Quorvel& ruler, const FramePair& frame, const Measureme
     if (!warning.empty()) {
         measurement.notes.push_back(warning);
     }
+    return measurement;
+}
+
+Measurement measurementWithoutFittedPlane(const Quorvel& ruler) {
+    const int measured = cv::countNonZero(ruler.depthSmall);
+    Measurement measurement = describe(ruler);
+    measurement.diagnosis =
+        noPlane("no plane could be fitted to the frame: " + std::to_string(measured) +
+                    " pixels of the small picture have a depth, and ground-tracking needs more than 4000 that face "
+                    "one way; let more of the surface be seen, or calibrate and measure with --mode kiosk",
+                {{"measured_pixels", measured}, {"needed_pixels", 4000}});
     return measurement;
 }
 

@@ -53,10 +53,23 @@ Quorvel makeRuler(const Camera& camera);
 /// none, but keeps one that KIOSK has loaded. The detection area is then the mode's own default.
 void selectMode(Quorvel& ruler, const MeasurementSettings& settings);
 
+/// Hands the settings to the ruler, which is in its mode.
+void applySettings(Quorvel& ruler, const MeasurementSettings& settings);
+
+/// \return what the ruler measures with, without a result
+Measurement describe(const Quorvel& ruler);
+
 /// Pushes the frame, measures it and finds out why there are no sizes, if so.
 /// \param ruler in its mode and, but for GROUND_TRACKING, with a usable plane; keeps the frame and the result
 /// \param frame CV_8UC3 and CV_16UC1 of the ruler's size
 Measurement measureFrame(Quorvel& ruler, const FramePair& frame, const MeasurementSettings& settings);
+
+/// Measures the frame that the ruler holds, with the plane it has, and finds out why there are no sizes, if so.
+/// \param frame what the ruler was given last
+Measurement measureHeldFrame(Quorvel& ruler, const FramePair& frame);
+
+/// The outcome when GROUND_TRACKING could fit no plane to the frame that the ruler was given last.
+Measurement measurementWithoutFittedPlane(const Quorvel& ruler);
 
 /// The outcome when there is no plane to measure with; the frame is not pushed.
 /// \param message says why and what to do

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "simulate_command.h"
 
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -31,6 +35,8 @@ struct SimulateOptions {
     std::string folder;
     std::optional<std::uint32_t> seed;
     std::uint32_t frame = 0;
+    /// Number of consecutive frames to write as a batch as well.
+    std::optional<std::uint32_t> frames;
     bool list = false;
 };
 
@@ -71,6 +77,67 @@ void writeText(const std::filesystem::path& path, const std::string& text) {
     }
 }
 
+void requireFrames(const SimulateOptions& options) {
+    if (!options.frames) {
+        return;
+    }
+    if (*options.frames == 0) {
+        throw InputError("--frames: a batch has 1 frame or more");
+    }
+    if (*options.frames - 1 > std::numeric_limits<std::uint32_t>::max() - options.frame) {
+        throw InputError("--frames: the frame numbers end at 4294967295; choose a smaller --frame or fewer --frames");
+    }
+}
+
+/// \return "00" for the first of up to 100 frames, "000" for the first of up to 1000, and so on
+std::string frameNumberText(std::uint32_t index, std::uint32_t count) {
+    const std::size_t digits = std::max<std::size_t>(2, std::to_string(count - 1).size());
+    const std::string number = std::to_string(index);
+    return std::string(digits - number.size(), '0') + number;
+}
+
+bool isNumberedPicture(const std::string& name) {
+    const std::string end = ".png";
+    for (const std::string start : {"color_", "depth_"}) {
+        if (name.size() > start.size() + end.size() && name.rfind(start, 0) == 0 &&
+            name.compare(name.size() - end.size(), end.size(), end) == 0) {
+            return std::all_of(name.begin() + static_cast<std::ptrdiff_t>(start.size()),
+                               name.end() - static_cast<std::ptrdiff_t>(end.size()),
+                               [](unsigned char c) { return std::isdigit(c) != 0; });
+        }
+    }
+    return false;
+}
+
+/// A longer batch of an earlier run would leave frames that belong to no scene that is here now.
+void removeNumberedPictures(const std::filesystem::path& folder) {
+    std::vector<std::filesystem::path> old;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (isNumberedPicture(entry.path().filename().string())) {
+            old.push_back(entry.path());
+        }
+    }
+    for (const std::filesystem::path& path : old) {
+        std::error_code ignored;
+        std::filesystem::remove(path, ignored);
+    }
+}
+
+/// Writes the numbered frames of a batch.
+/// \return the part of the closing line that names them
+std::string writeFrames(const std::filesystem::path& folder, const sim::Scene& scene, std::uint32_t first,
+                        std::uint32_t count) {
+    removeNumberedPictures(folder);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const sim::Frame frame = sim::render(scene, first + i);
+        const std::string end = frameNumberText(i, count) + ".png";
+        writePicture(folder / ("color_" + end), frame.color);
+        writePicture(folder / ("depth_" + end), frame.depth);
+    }
+    return ", and " + std::to_string(count) + (count == 1 ? " frame" : " frames") + " from color_" +
+           frameNumberText(0, count) + ".png and depth_" + frameNumberText(0, count) + ".png on";
+}
+
 int simulate(const SimulateOptions& options) {
     if (options.list) {
         return listPresets();
@@ -79,6 +146,7 @@ int simulate(const SimulateOptions& options) {
     if (options.folder.empty()) {
         throw InputError("no folder is given for the pictures; add --out DIR");
     }
+    requireFrames(options);
     const std::filesystem::path folder(options.folder);
     makeFolder(folder);
     const sim::Frame empty = sim::renderEmpty(scene, options.frame ^ kEmptyFrames);
@@ -92,8 +160,10 @@ int simulate(const SimulateOptions& options) {
                     {camera.fx, camera.fy, camera.cx, camera.cy, camera.width, camera.height});
     writeText(folder / "scene.json", sim::sceneToJson(scene) + "\n");
     writeText(folder / "truth.json", truthJson(scene, options.frame));
+    const std::string frames = options.frames ? writeFrames(folder, scene, options.frame, *options.frames) : "";
     std::cout << "Rendered " << (scene.name.empty() ? "the scene" : scene.name) << " into " << folder.string()
-              << ": empty_color.png, empty_depth.png, color.png, depth.png, camera.json, truth.json, scene.json\n";
+              << ": empty_color.png, empty_depth.png, color.png, depth.png, camera.json, truth.json, scene.json"
+              << frames << "\n";
     return kSuccess;
 }
 
@@ -108,8 +178,15 @@ Subcommand addSimulateCommand(CLI::App& app) {
     parser->add_option("--seed", options->seed, "seed of the noise; without it the scene's own")->type_name("N");
     parser->add_option("--frame", options->frame, "which frame of the scene: another number, other noise (default 0)")
         ->type_name("N");
+    parser
+        ->add_option("--frames", options->frames,
+                     "write a batch as well: color_00.png, depth_00.png and so on of this many frames, from --frame on")
+        ->type_name("N");
     parser->add_flag("--list", options->list, "list the built-in scenes and stop");
-    parser->footer("Example:\n  quorvel simulate --preset parcel --out parcel");
+    parser->footer(
+        "Examples:\n"
+        "  quorvel simulate --preset parcel --out parcel\n"
+        "  quorvel simulate --preset parcel --out parcel --frames 5");
     return {parser, [options] { return simulate(*options); }};
 }
 

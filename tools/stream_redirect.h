@@ -20,4 +20,22 @@ private:
     std::streambuf* original_;
 };
 
+/// Lets nothing through std::cout while it lives, whichever thread writes: a failed stream drops what it is given
+/// before it touches anything, so that several rulers may print at a time. The command itself writes to output().
+class SilentLibrary {
+public:
+    SilentLibrary() : output_(std::cout.rdbuf()) { std::cout.setstate(std::ios::failbit); }
+    ~SilentLibrary() { std::cout.clear(); }
+    SilentLibrary(const SilentLibrary&) = delete;
+    SilentLibrary& operator=(const SilentLibrary&) = delete;
+    SilentLibrary(SilentLibrary&&) = delete;
+    SilentLibrary& operator=(SilentLibrary&&) = delete;
+
+    /// \return standard output
+    std::ostream& output() { return output_; }
+
+private:
+    std::ostream output_;
+};
+
 }  // namespace quorvel::command

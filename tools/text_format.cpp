@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 
@@ -16,6 +17,11 @@ std::string fixed(double value, int decimals) {
         return text.data() + 1;
     }
     return text.data();
+}
+
+std::string shortestText(float value) {
+    std::array<char, 64> text{};
+    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
 }
 
 std::string rectangleText(const cv::Rect& rect) {

@@ -13,6 +13,9 @@ namespace quorvel::command {
 /// \return `value` with a fixed number of decimals, "-0.0" written as "0.0"
 std::string fixed(double value, int decimals);
 
+/// \return the shortest decimal that reads back as the same float
+std::string shortestText(float value);
+
 /// \return "W x H from (X, Y)", pixels
 std::string rectangleText(const cv::Rect& rect);
 

@@ -70,21 +70,24 @@ class Quorvel {
 public:
     // Frames
 
-    /// Last colour frame, CV_8UC3, H x W. Written by getCameraFrame() and the offline start. Initially empty.
+    /// Last colour frame, CV_8UC3, H x W. Written by getCameraFrame(), getCameraMultipleFrame() (a clone of the
+    /// batch's first frame), measureMultiple() (the batch's last frame, which shares the host's pixels) and the
+    /// offline start. Initially empty.
     cv::Mat colorImage;
-    /// Last depth frame, CV_16UC1, H x W, mm, 0 = no measurement. Written by getCameraFrame() and the offline
-    /// start. Initially empty.
+    /// Last depth frame, CV_16UC1, H x W, mm, 0 = no measurement. Written as `colorImage`. Initially empty.
     cv::Mat depthImage;
     /// Third image of the three-image getCameraFrame(), any type and size. Initially empty.
     cv::Mat auxImage;
-    /// Colour frames of a batch. Initially empty.
+    /// Colour frames of a batch, CV_8UC3, H x W; they share the host's pixels. This buffer and the others of a
+    /// batch are written by getCameraMultipleFrame() and emptied by measureMultiple(). Initially empty.
     std::vector<cv::Mat> colorFrameBuffer;
-    /// Depth frames of a batch. Initially empty.
+    /// Depth frames of a batch, CV_16UC1, H x W, mm; they share the host's pixels. Initially empty.
     std::vector<cv::Mat> depthFrameBuffer;
 
     // Results and derived images
 
-    /// Result of the last measurement. Reset and written by measureOnce(). Initially empty and zero.
+    /// Result of the last measurement. Reset and written by measureOnce() and measureMultiple(). Initially empty and
+    /// zero.
     MeasureResult result;
     /// Corners of `calibrationRoI` as the last calibration used them: top left, bottom left, top right, pixels.
     /// Written by calibRef(). Initially (0, 0) each.
@@ -114,19 +117,19 @@ public:
 
     // Batch buffers and spare images
 
-    /// Full-size point clouds of a batch. Initially empty.
+    /// Full-size point clouds of a batch, CV_32FC3, H x W, mm. Initially empty.
     std::vector<cv::Mat> pointCloudBuffer;
     /// Spare buffer, filled by no operation. Initially empty.
     std::vector<cv::Mat> spareBuffer1;
-    /// Small point clouds of a batch. Initially empty.
+    /// Small point clouds of a batch, CV_32FC3, small, mm. Initially empty.
     std::vector<cv::Mat> pointCloudSmallBuffer;
-    /// Small colour images of a batch. Initially empty.
+    /// Small colour images of a batch, CV_8UC3, small. Initially empty.
     std::vector<cv::Mat> colorSmallBuffer;
-    /// Small depth images of a batch. Initially empty.
+    /// Small depth images of a batch, CV_16UC1, small, mm. Initially empty.
     std::vector<cv::Mat> depthSmallBuffer;
     /// Spare buffer, filled by no operation. Initially empty.
     std::vector<cv::Mat> spareBuffer2;
-    /// Deep copies of the small point clouds of a batch. Initially empty.
+    /// Deep copies of the small point clouds of a batch, CV_32FC3, small, mm. Initially empty.
     std::vector<cv::Mat> pointCloudSmallCopyBuffer;
     /// Spare buffer, filled by no operation. Initially empty.
     std::vector<cv::Mat> spareBuffer3;
@@ -200,8 +203,8 @@ public:
     float minObjectHeight = 0.0F;
     /// Operating mode, a ProductType value. Written by setProductType(). Initially KIOSK.
     int productType = 0;
-    /// A reference plane is available. Written by calibRef(), setProductType(), getCameraFrame() in
-    /// GROUND_TRACKING, and the offline start. Initially false.
+    /// A reference plane is available. Written by calibRef(), setProductType(), getCameraFrame() and
+    /// getCameraMultipleFrame() in GROUND_TRACKING, and the offline start. Initially false.
     bool calibStatus = false;
     /// An object region needs more small-image pixels than this: the area a 50 mm x 50 mm square covers at the
     /// plane's distance. Written whenever the plane is. Initially 0.
@@ -346,9 +349,62 @@ public:
     /// \return 0
     QUORVEL_API int ransacCalibRef();
 
+    // Batches
+
+    /// Takes a batch of frames in, all of one instant as nearly as the camera can: keeps the frames (their pixels
+    /// are shared with the host and never written), derives the images of each, and makes the first frame the
+    /// current one, as getCameraFrame() would. In GROUND_TRACKING the plane is fitted anew to the first frame. A
+    /// batch that was never measured is dropped.
+    ///
+    /// \param colorFrames CV_8UC3, H x W each
+    /// \param depthFrames CV_16UC1, H x W each, mm, 0 = no measurement; depthFrames[i] belongs to colorFrames[i]
+    /// \return true when the whole batch was taken in. false when the vectors differ in length ("size not match" is
+    ///         printed), are empty, hold a frame whose size or type does not fit, or in offline mode: nothing changes
+    ///         then. false also when a frame is empty: clones of the first frame and the frames up to the empty one
+    ///         are kept, the derived images stay.
+    QUORVEL_API bool getCameraMultipleFrame(std::vector<cv::Mat> colorFrames, std::vector<cv::Mat> depthFrames);
+    /// Measures every frame of the batch and, when all of them are in view and no two differ by more than the
+    /// tolerances, stores the mean length, width and height in `result`, with the corners and flags of the last
+    /// frame. A difference equal to its tolerance passes. `colorImage` and `depthImage` then refer to the last frame.
+    ///
+    /// Measures in KIOSK and GROUND_TRACKING only, and lowers no height in GROUND_TRACKING. "ERROR !! result is
+    /// empty." is printed when no frame was measured, "ERROR !! The result did not reach the threshold" when the
+    /// frames disagree. The batch is dropped afterwards, except when there is no plane.
+    /// \param lengthTolerance,widthTolerance,heightTolerance largest difference between any two frames, mm
+    /// \return 0 when `result` holds the mean; 1 otherwise, with `result` reset
+    QUORVEL_API int measureMultiple(float lengthTolerance, float widthTolerance, float heightTolerance);
+
+    // Files
+
+    /// Writes `calibrationRoI`, `effectiveRegion` and `filterWeight` into a ruler parameter file.
+    /// \param path its extension chooses the format: .xml, .json, or YAML for .yml, .yaml and any other
+    /// \return false when the file cannot be opened for writing, or when there is a question mark in its path
+    /// \throws cv::Exception what the file storage of OpenCV raises
+    QUORVEL_API bool saveRulerParam(std::string path);
+    /// Reads a ruler parameter file into `calibrationRoI`, `effectiveRegion` and `filterWeight`. A region that is
+    /// missing or not a sequence of four numbers becomes (0, 0, 0, 0), a weight that is missing or no number 0;
+    /// nothing is checked against the frame size.
+    /// \param path of the file; its content tells the format
+    /// \param[out] calibrationArea the new `calibrationRoI`, full-size pixels
+    /// \param[out] detectArea the new `effectiveRegion`, full-size pixels
+    /// \return false when the file cannot be opened, with everything as it was
+    /// \throws cv::Exception when the file is no document; members and out-arguments are as they were
+    QUORVEL_API bool loadRulerParam(std::string path, cv::Rect& calibrationArea, cv::Rect& detectArea);
+    /// Writes a capture into a new folder "./log/YYYY-MM/YYYY-MM-DD-hh-mm-ss" of the local time: camera and plane
+    /// (para.txt), the last result (res.txt) and the current frame (color.png, depth.tif; left out when empty). The
+    /// folder can be given to the constructor, which replays it. A folder that is already there is left as it is,
+    /// so of several calls within a second the first writes; what cannot be written is skipped.
+    /// \return 0
+    /// \throws cv::Exception when OpenCV cannot encode an image
+    QUORVEL_API int saveOfflineData();
+
 private:
     void startNormally(float focalX, float focalY, float centerX, float centerY, int width, int height);
     bool startOffline();
     bool takeFrame(const cv::Mat& color, const cv::Mat& depth, const cv::Mat* aux);
     void deriveImages();
+    bool keepBatch(const std::vector<cv::Mat>& colorFrames, const std::vector<cv::Mat>& depthFrames);
+    void deriveBatchImages();
+    void makeFirstFrameCurrent();
+    void ClearBuffer();
 };

@@ -1,23 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "common/text_file.h"
 
-#include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <system_error>
+
+#include "common/platform.h"
 
 namespace quorvel::internal {
 
+bool canRead(const std::string& path) {
+    // A folder opens as a stream on some platforms and fails only when it is read.
+    return !isFolder(path) && std::ifstream(path).is_open();
+}
+
 std::optional<std::string> readTextFile(const std::string& path) {
-    // A directory opens as a stream on some platforms and fails only when it is read.
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) {
+    if (!canRead(path)) {
         return std::nullopt;
     }
     std::ifstream file(path);
-    if (!file) {
-        return std::nullopt;
-    }
     return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
 }
 
@@ -29,9 +29,8 @@ bool writeTextFile(const std::string& path, const std::string& text) {
 }
 
 void ensureFolder(const std::string& path) {
-    std::error_code ignored;
-    if (!std::filesystem::exists(path, ignored)) {
-        std::filesystem::create_directory(path, ignored);
+    if (!pathExists(path)) {
+        makeFolder(path);
     }
 }
 

@@ -6,6 +6,9 @@
 
 namespace quorvel::internal {
 
+/// \return whether a file of this name can be opened for reading; a folder cannot
+bool canRead(const std::string& path);
+
 /// Reads a whole text file.
 /// \param path as the platform's narrow strings name it, relative to the working directory
 /// \return the text, or nothing when the file cannot be opened

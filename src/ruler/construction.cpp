@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <filesystem>
 #include <iostream>
-#include <system_error>
 #include <utility>
 
 #include <opencv2/imgcodecs.hpp>
 
 #include <quorvel/quorvel.h>
 
+#include "common/platform.h"
 #include "persist/capture_reader.h"
 #include "ruler/members.h"
 
@@ -26,11 +25,6 @@ float reciprocal(float value) {
     return static_cast<float>(1.0 / static_cast<double>(value));
 }
 
-bool isDirectory(const std::string& path) {
-    std::error_code ignored;
-    return std::filesystem::is_directory(path, ignored);
-}
-
 }  // namespace
 
 Quorvel::Quorvel(float focalX, float focalY, float centerX, float centerY, int width, int height, bool offline,
@@ -38,7 +32,7 @@ Quorvel::Quorvel(float focalX, float focalY, float centerX, float centerY, int w
     : offlineMode(offline), paramDir("./param"), offlineDir(std::move(captureDir)) {
     calFilePath = paramDir + "/cal.txt";
     backgroundPath = paramDir + "/bg.bmp";
-    if (offlineMode && !isDirectory(offlineDir)) {
+    if (offlineMode && !isFolder(offlineDir)) {
         return;
     }
     if (!offlineMode || !startOffline()) {

@@ -2,25 +2,13 @@
 #include <iostream>
 #include <string>
 
-#include <opencv2/imgproc.hpp>
-
 #include <quorvel/quorvel.h>
 
 #include "ruler/back_projection.h"
 #include "ruler/frame_check.h"
+#include "ruler/scaled_down.h"
 
 using namespace quorvel::internal;
-
-namespace {
-
-cv::Mat scaledDown(const cv::Mat& image, const cv::Size& size) {
-    cv::Mat small;
-    // Nearest neighbour keeps depths unblended.
-    cv::resize(image, small, size, 0.0, 0.0, cv::INTER_NEAREST);
-    return small;
-}
-
-}  // namespace
 
 bool Quorvel::getCameraFrame(cv::Mat color, cv::Mat depth) {
     return takeFrame(color, depth, nullptr);

@@ -3,32 +3,13 @@
 
 #include <quorvel/quorvel.h>
 
-#include "common/numbers.h"
 #include "measure/ground_removal.h"
 #include "measure/object_chain.h"
 #include "ruler/distance_bands.h"
+#include "ruler/measure_settings.h"
 #include "ruler/members.h"
 
 using namespace quorvel::internal;
-
-namespace {
-
-MeasureSettings settingsOf(const Quorvel& ruler) {
-    MeasureSettings settings;
-    settings.plane = referencePlane(ruler);
-    settings.minHeight = ruler.minObjectHeight;
-    settings.minPixels = ruler.minObjectPixels;
-    settings.camera = {ruler.cx, ruler.cy, ruler.fx, ruler.fy};
-    settings.downScale = ruler.downScale;
-    settings.cameraTypeSet = ruler.cameraTypeSet;
-    settings.cameraType = truncateToInt(ruler.cameraType);
-    settings.effectiveRegion = ruler.effectiveRegion;
-    settings.variant =
-        ruler.productType == GROUND_GROWING ? FootprintVariant::WithoutMargin : FootprintVariant::General;
-    return settings;
-}
-
-}  // namespace
 
 int Quorvel::measureOnce() {
     resetResult(result);
@@ -49,7 +30,7 @@ int Quorvel::measureOnce() {
         return 1;
     }
     removeGround(depthSmall, filterWeight, refPlaneOffset);
-    if (measureObject(frame, settingsOf(*this), result) != 0) {
+    if (measureObject(frame, measureSettings(*this), result) != 0) {
         return 1;
     }
     if (productType == GROUND_TRACKING) {

@@ -18,12 +18,12 @@ namespace quorvel::command {
 
 namespace {
 
-std::string readFile(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
+std::string readFile(const std::filesystem::path& path, std::ios::openmode mode) {
+    std::ifstream file(path, mode);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-std::string quoted(const std::string& text) {
+std::string inQuotes(const std::string& text) {
     return "\"" + text + "\"";
 }
 
@@ -32,6 +32,17 @@ int exitCodeOf(int status) {
     return status;
 #else
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+#endif
+}
+
+/// Whether the shell or, on Windows, the program could not be started at all (9009 is the shell's own answer then). An
+/// emulated Windows refuses one start in some thousand.
+bool wasNotStarted(int status) {
+#ifdef _WIN32
+    constexpr int kProgramNotFound = 9009;
+    return status == -1 || status == kProgramNotFound;
+#else
+    return status == -1;
 #endif
 }
 
@@ -61,15 +72,21 @@ CommandRun runCommand(const std::string& arguments) {
     const std::filesystem::path base = freshPath();
     const std::string output = base.string() + ".out";
     const std::string errors = base.string() + ".err";
-    std::string line = quoted(QUORVEL_BINARY) + " " + arguments + " > " + quoted(output) + " 2> " + quoted(errors);
+    std::string line =
+        inQuotes(QUORVEL_BINARY) + " " + arguments + " > " + inQuotes(output) + " 2> " + inQuotes(errors);
 #ifdef _WIN32
-    line = quoted(line);  // the shell there strips the outermost pair of quotes
+    line = inQuotes(line);  // the shell there strips the outermost pair of quotes
 #endif
     CommandRun run;
     run.line = arguments;
-    run.exitCode = exitCodeOf(std::system(line.c_str()));
-    run.output = readFile(output);
-    run.errors = readFile(errors);
+    constexpr int kTries = 3;
+    int status = -1;
+    for (int i = 0; i < kTries && wasNotStarted(status); ++i) {
+        status = std::system(line.c_str());
+    }
+    run.exitCode = exitCodeOf(status);
+    run.output = readFile(output, std::ios::in);
+    run.errors = readFile(errors, std::ios::in);
     std::filesystem::remove(output);
     std::filesystem::remove(errors);
     return run;
@@ -85,7 +102,7 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 CommandRun TemporaryFolder::run(const std::string& arguments) const {
-    return runCommand("-C " + quoted(path_.string()) + " " + arguments);
+    return runCommand("-C " + inQuotes(path_.string()) + " " + arguments);
 }
 
 void TemporaryFolder::write(const std::string& name, const std::string& bytes) const {
@@ -94,7 +111,11 @@ void TemporaryFolder::write(const std::string& name, const std::string& bytes) c
 }
 
 std::string TemporaryFolder::read(const std::string& name) const {
-    return readFile(path_ / name);
+    return readFile(path_ / name, std::ios::binary);
+}
+
+std::string TemporaryFolder::readText(const std::string& name) const {
+    return readFile(path_ / name, std::ios::in);
 }
 
 }  // namespace quorvel::command

@@ -12,8 +12,8 @@ namespace quorvel::command {
 struct CommandRun {
     std::string line;  ///< as it was called
     int exitCode = -1;
-    std::string output;  ///< standard output
-    std::string errors;  ///< standard error
+    std::string output;  ///< standard output, its line ends read as "\n" on every platform
+    std::string errors;  ///< standard error, as well
 
     /// For a failing test: everything at once.
     std::string text() const;
@@ -45,8 +45,10 @@ public:
     CommandRun run(const std::string& arguments) const;
     /// Writes a file into the folder.
     void write(const std::string& name, const std::string& bytes) const;
-    /// Content of a file in the folder; empty when there is none.
+    /// Bytes of a file in the folder; empty when there is none.
     std::string read(const std::string& name) const;
+    /// The same, with the platform's line ends read as "\n".
+    std::string readText(const std::string& name) const;
 
 private:
     std::filesystem::path path_;

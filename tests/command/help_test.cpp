@@ -24,14 +24,14 @@ std::vector<std::string> examples(const std::string& help) {
 TEST(Help, ProgramNamesItsSubcommands) {
     const CommandRun run = runCommand("--help");
     EXPECT_EQ(run.exitCode, 0) << run.text();
-    for (const char* word : {"simulate", "calibrate", "measure", "--version", "-C", "Example:"}) {
+    for (const char* word : {"simulate", "calibrate", "measure", "capture", "param", "--version", "-C", "Example:"}) {
         EXPECT_NE(run.output.find(word), std::string::npos) << word << "\n" << run.text();
     }
 }
 
 TEST(Help, ExamplesOfEverySubcommandWorkOneAfterTheOther) {
     const TemporaryFolder folder;
-    for (const char* subcommand : {"simulate", "calibrate", "measure"}) {
+    for (const char* subcommand : {"simulate", "calibrate", "measure", "capture", "param"}) {
         const CommandRun help = runCommand(std::string(subcommand) + " --help");
         EXPECT_EQ(help.exitCode, 0) << help.text();
         const auto calls = examples(help.output);
@@ -47,10 +47,13 @@ TEST(Help, ExamplesOfEverySubcommandWorkOneAfterTheOther) {
 
 TEST(Help, MeasureNamesEveryOption) {
     const std::string help = runCommand("measure --help").output;
-    for (const char* option :
-         {"--camera", "--intrinsics", "--color", "--depth", "--depth-scale", "--mode", "--empty-color", "--empty-depth",
-          "--calibration-area", "--offset", "--area", "--filter-weight", "--side-band", "--min-height", "--json",
-          "--overlay", "--stages", "--debug"}) {
+    for (const char* option : {"--camera",      "--intrinsics",  "--color",
+                               "--depth",       "--depth-scale", "--mode",
+                               "--empty-color", "--empty-depth", "--calibration-area",
+                               "--offset",      "--area",        "--filter-weight",
+                               "--side-band",   "--min-height",  "--json",
+                               "--overlay",     "--stages",      "--debug",
+                               "--batch",       "--tolerance",   "--params"}) {
         EXPECT_NE(help.find(std::string("  ") + option + " "), std::string::npos) << option << "\n" << help;
     }
     EXPECT_NE(help.find("0.1 for tenths of a millimetre, 1000 for metres"), std::string::npos) << help;

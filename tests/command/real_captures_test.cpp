@@ -2,29 +2,17 @@
 // Real depth-camera captures, where the folder with them is there. What is measured on them is judged elsewhere;
 // here it counts that the command copes and explains itself.
 
-#include <cstdlib>
-
 #include <gtest/gtest.h>
 
-#include "command_run.h"
+#include "real_frames.h"
 
 namespace quorvel::command {
 namespace {
 
 using Json = nlohmann::json;
 
-class RealCaptures : public ::testing::Test {
+class RealCaptures : public RealFrames {
 protected:
-    void SetUp() override {
-        const char* chosen = std::getenv("QUORVEL_DATA_DIR");
-        data_ = chosen != nullptr ? chosen : QUORVEL_DATA_DIR;
-        if (!std::filesystem::is_directory(data_)) {
-            GTEST_SKIP() << "no folder with real captures; name one with the environment variable QUORVEL_DATA_DIR";
-        }
-    }
-
-    std::string quoted(const std::string& name) const { return "\"" + (data_ / name).string() + "\""; }
-
     /// Measures with JSON output; checks that the exit code, the status and the reason go together.
     Json measure(const std::string& arguments) const {
         const CommandRun run = folder_.run("measure --json " + arguments);
@@ -37,9 +25,6 @@ protected:
         EXPECT_EQ(report["reason"].is_null(), report["status"] == "measured") << run.text();
         return report;
     }
-
-    std::filesystem::path data_;
-    TemporaryFolder folder_;
 };
 
 class OverheadSingle : public RealCaptures {

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+
 #include <gtest/gtest.h>
 #include <opencv2/imgcodecs.hpp>
 
@@ -75,6 +77,70 @@ TEST(SimulateCommand, SameSeedAndFrameGiveTheSameBytes) {
     EXPECT_NE(first, depth("--seed 7 --frame 4"));
     EXPECT_EQ(folder.run("simulate --preset parcel --out out --seed 7").exitCode, 0);
     EXPECT_EQ(nlohmann::json::parse(folder.read("out/truth.json"))["seed"], 7);
+}
+
+/// Names of the numbered pictures in the folder's "out", sorted.
+std::vector<std::string> numberedPictures(const TemporaryFolder& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path() / "out")) {
+        const std::string name = entry.path().filename().string();
+        if (name.rfind("color_", 0) == 0 || name.rfind("depth_", 0) == 0) {
+            names.push_back(name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+class SimulateFrames : public ::testing::Test {
+protected:
+    void SetUp() override {
+        // Small, since a hundred of them are rendered.
+        sim::Scene scene = boxScene(0, 0, 200, 150, 100);
+        scene.camera = {30.0, 30.0, 16.0, 12.0, 32, 24};
+        scene.effects.axialNoise = 3.0;
+        sim::writeScene(folder_.file("small.json"), scene);
+    }
+
+    void simulate(const std::string& options) const {
+        const CommandRun run = folder_.run("simulate --scene small.json --out out " + options);
+        EXPECT_EQ(run.exitCode, 0) << run.text();
+    }
+
+    TemporaryFolder folder_;
+};
+
+TEST_F(SimulateFrames, BatchStartsAtTheFrameAndEachHasItsOwnNoise) {
+    simulate("--frame 4");
+    EXPECT_TRUE(numberedPictures(folder_).empty()) << "without --frames there is no batch";
+    const std::string fourth = folder_.read("out/depth.png");
+    simulate("--frame 3 --frames 2");
+    EXPECT_EQ(numberedPictures(folder_),
+              (std::vector<std::string>{"color_00.png", "color_01.png", "depth_00.png", "depth_01.png"}));
+    EXPECT_EQ(folder_.read("out/depth_00.png"), folder_.read("out/depth.png"));
+    EXPECT_EQ(folder_.read("out/color_00.png"), folder_.read("out/color.png"));
+    EXPECT_EQ(folder_.read("out/depth_01.png"), fourth);
+    EXPECT_NE(folder_.read("out/depth_00.png"), fourth);
+    EXPECT_EQ(nlohmann::json::parse(folder_.read("out/truth.json"))["frame"], 3);
+}
+
+TEST_F(SimulateFrames, NumbersHaveAsManyDigitsAsTheBatchNeeds) {
+    simulate("--frames 100");
+    EXPECT_EQ(numberedPictures(folder_).size(), 200U);
+    EXPECT_EQ(numberedPictures(folder_)[99], "color_99.png");
+    simulate("--frames 101");
+    EXPECT_EQ(numberedPictures(folder_).size(), 202U) << "frames of an earlier run must not stay";
+    EXPECT_EQ(numberedPictures(folder_)[100], "color_100.png");
+    EXPECT_EQ(numberedPictures(folder_)[0], "color_000.png");
+}
+
+TEST_F(SimulateFrames, ShorterBatchLeavesNoOldFramesAndOtherFilesStay) {
+    simulate("--frames 3");
+    folder_.write("out/color_plan.png", "mine");
+    folder_.write("out/color_00.txt", "mine");
+    simulate("--frames 1");
+    EXPECT_EQ(numberedPictures(folder_),
+              (std::vector<std::string>{"color_00.png", "color_00.txt", "color_plan.png", "depth_00.png"}));
 }
 
 }  // namespace

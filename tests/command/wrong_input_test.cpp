@@ -151,6 +151,9 @@ TEST_F(WrongInput, Simulate) {
     expectRefusal("simulate --scene scene.bad.json --out x", {"scene.bad.json", "length"});
     expectRefusal("simulate --preset parcel --out x --seed -1", {"--seed"});
     expectRefusal("simulate --preset parcel --out x --seed many", {"--seed", "many"});
+    expectRefusal("simulate --preset parcel --out x --frames 0", {"--frames", "1 frame or more"});
+    expectRefusal("simulate --preset parcel --out x --frames -1", {"--frames"});
+    expectRefusal("simulate --preset parcel --out x --frame 4294967290 --frames 7", {"--frames", "4294967295"});
     EXPECT_FALSE(std::filesystem::exists(folder_->path() / "x")) << "a refused run leaves nothing";
 }
 

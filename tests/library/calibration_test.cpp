@@ -65,7 +65,7 @@ cv::Mat floorDepthImage(calib::Random& random) {
 }
 
 std::string fileText(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(path);
     EXPECT_TRUE(file) << path << " cannot be opened";
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }

@@ -2,6 +2,7 @@
 #include "common/decimal_text.h"
 
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -73,7 +74,12 @@ TEST(SixDecimals, AgreesWithPrintfForAnyFloat) {
     calib::Random random(21);
     for (int i = 0; i < 5000; ++i) {
         const float value = random.chance(50) ? anyFloat(random) : random.between(-2000.0F, 2000.0F);
-        EXPECT_EQ(sixDecimals(value), printed(value));
+        if (std::isnan(value)) {
+            // Whether the sign of it is shown differs between the C libraries.
+            EXPECT_NE(sixDecimals(value).find("nan"), std::string::npos);
+        } else {
+            EXPECT_EQ(sixDecimals(value), printed(value));
+        }
     }
 }
 

@@ -70,6 +70,13 @@ Quorvel detachedCopy(const Quorvel& ruler) {
                            &copy.pointCloud, &copy.pointCloudSmall, &copy.pointCloudSmallCopy}) {
         *image = image->clone();
     }
+    for (std::vector<cv::Mat>* buffer :
+         {&copy.colorFrameBuffer, &copy.depthFrameBuffer, &copy.pointCloudBuffer, &copy.pointCloudSmallBuffer,
+          &copy.colorSmallBuffer, &copy.depthSmallBuffer, &copy.pointCloudSmallCopyBuffer}) {
+        for (cv::Mat& image : *buffer) {
+            image = image.clone();
+        }
+    }
     return copy;
 }
 

@@ -10,6 +10,7 @@
 #include <quorvel/quorvel.h>
 
 #include "library/depth_scene.h"
+#include "library/frame_draws.h"
 #include "library/plain/back_projection.h"
 #include "support/captured_output.h"
 #include "support/same_bits.h"
@@ -19,26 +20,6 @@ namespace quorvel::test {
 namespace {
 
 const std::string kEmptyMessage = "Image data size is empty.\n";
-
-cv::Mat drawColor(Draws& draws, const cv::Size& size) {
-    cv::Mat color = drawMatrix(draws, size, CV_8UC3);
-    for (int row = 0; row < size.height; ++row) {
-        for (int i = 0; i < 3 * size.width; ++i) {
-            color.ptr<uchar>(row)[i] = static_cast<uchar>(draws.below(256));
-        }
-    }
-    return color;
-}
-
-cv::Mat drawDepth(Draws& draws, const cv::Size& size) {
-    cv::Mat depth = drawMatrix(draws, size, CV_16UC1);
-    for (int row = 0; row < size.height; ++row) {
-        for (int column = 0; column < size.width; ++column) {
-            depth.ptr<ushort>(row)[column] = static_cast<ushort>(draws.chance(20) ? 0 : draws.below(65536));
-        }
-    }
-    return depth;
-}
 
 /// The picture with every `scale`-th pixel as nearest-neighbour scaling picks them for sizes that divide.
 cv::Mat everyPixel(const cv::Mat& image, int scale) {

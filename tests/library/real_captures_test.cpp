@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Real depth-camera frames, when their folder is there (the CMake variable QUORVEL_DATA_DIR). Skipped otherwise.
+// Real depth-camera frames, when their folder is there (QUORVEL_DATA_DIR, in CMake or the environment). Skipped
+// otherwise.
 //
 // overhead_single: objects on a sheet, seen from 713 mm under a tilt of 12.7 degrees. The objects' true sizes are not
 // known. Their bands come from the colour pictures, at 1.33 mm a pixel on the sheet: the visible outline's length and
@@ -16,6 +17,7 @@
 
 #include <quorvel/quorvel.h>
 
+#include "support/data_folder.h"
 #include "support/working_directory.h"
 
 namespace quorvel::test {
@@ -49,14 +51,14 @@ const RealObject kObjects[] = {
     {"07", "toy shark", {90.0F, 116.0F}, {27.0F, 43.0F}, {18.0F, 31.0F}},
 };
 
-std::filesystem::path dataFolder() {
-    return std::filesystem::path(QUORVEL_DATA_DIR) / "overhead_single";
+std::filesystem::path framesFolder() {
+    return dataFolder() / "overhead_single";
 }
 
 class RealCaptures : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (!std::filesystem::is_directory(dataFolder())) {
+        if (!std::filesystem::is_directory(framesFolder())) {
             GTEST_SKIP() << "there is no folder overhead_single in QUORVEL_DATA_DIR";
         }
         directory_ = std::make_unique<WorkingDirectory>();
@@ -64,7 +66,7 @@ protected:
     }
 
     static bool push(Quorvel& ruler, const std::string& frame) {
-        const std::string path = (dataFolder() / frame).string();
+        const std::string path = (framesFolder() / frame).string();
         return ruler.getCameraFrame(cv::imread(path + "_color.png", cv::IMREAD_COLOR),
                                     cv::imread(path + "_depth.png", cv::IMREAD_UNCHANGED));
     }

@@ -4,18 +4,74 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
 
 #include <gtest/gtest.h>
 
+#include "common/platform.h"
 #include "support/working_directory.h"
 
 namespace quorvel::test {
 
 namespace {
 
+using internal::canRead;
 using internal::ensureFolder;
+using internal::isFolder;
 using internal::readTextFile;
 using internal::writeTextFile;
+
+TEST(IsFolder, TellsFoldersFromFilesAndNothing) {
+    const WorkingDirectory here;
+    std::filesystem::create_directory("folder");
+    std::ofstream("file").close();
+    EXPECT_TRUE(isFolder("folder"));
+    EXPECT_TRUE(isFolder("./folder/"));
+    EXPECT_TRUE(isFolder("."));
+    EXPECT_FALSE(isFolder("file"));
+    EXPECT_FALSE(isFolder("none"));
+    EXPECT_FALSE(isFolder("file/none"));
+    EXPECT_FALSE(isFolder(""));
+}
+
+TEST(IsFolder, FollowsLinks) {
+    const WorkingDirectory here;
+    std::filesystem::create_directory("folder");
+    std::error_code failed;
+    std::filesystem::create_directory_symlink("folder", "link", failed);
+    if (failed) {
+        GTEST_SKIP() << "no links here: " << failed.message();
+    }
+    EXPECT_TRUE(isFolder("link"));
+    std::filesystem::remove("folder");
+    EXPECT_FALSE(isFolder("link")) << "a link to nothing";
+}
+
+TEST(CanRead, TellsFilesFromFoldersAndNothing) {
+    const WorkingDirectory here;
+    std::filesystem::create_directory("folder");
+    std::ofstream("empty").close();
+    std::ofstream("file") << "text";
+    EXPECT_TRUE(canRead("file"));
+    EXPECT_TRUE(canRead("empty"));
+    EXPECT_FALSE(canRead("folder"));
+    EXPECT_FALSE(canRead("."));
+    EXPECT_FALSE(canRead("none"));
+    EXPECT_FALSE(canRead("none/file"));
+    EXPECT_FALSE(canRead("file/none"));
+    EXPECT_FALSE(canRead(""));
+    EXPECT_FALSE(std::filesystem::exists("none")) << "asking creates nothing";
+}
+
+TEST(CanRead, NeedsThePermissionToRead) {
+    const WorkingDirectory here;
+    std::ofstream("locked") << "text";
+    std::filesystem::permissions("locked", std::filesystem::perms::none);
+    if (std::ifstream("locked").is_open()) {
+        GTEST_SKIP() << "this user may read every file";
+    }
+    EXPECT_FALSE(canRead("locked"));
+}
 
 TEST(ReadTextFile, HandsBackEveryCharacter) {
     const WorkingDirectory here;

@@ -13,9 +13,26 @@ namespace quorvel::test::plain {
 
 namespace {
 
-FootprintInput inputOf(const Quorvel& ruler) {
+void lowerHeight(Quorvel& ruler) {
+    const float t = ruler.refPlaneOffset;
+    if (t <= 550.0F) {
+        ruler.result.height -= 1.0F;
+    } else if (t > 550.0F && t <= 700.0F) {
+        ruler.result.height -= 3.0F;
+    } else if (t > 700.0F && t <= 900.0F) {
+        ruler.result.height -= 5.0F;
+    } else if (t > 900.0F && t <= 1100.0F) {
+        ruler.result.height -= 7.0F;
+    } else if (t > 1100.0F) {
+        ruler.result.height -= 8.0F;
+    }
+}
+
+}  // namespace
+
+FootprintInput footprintInput(const Quorvel& ruler, const cv::Size& small) {
     FootprintInput input;
-    input.small = ruler.depthSmall.size();
+    input.small = small;
     input.normal = ruler.refPlaneNormal;
     input.offset = ruler.refPlaneOffset;
     input.cx = ruler.cx;
@@ -41,23 +58,6 @@ void chooseMinHeight(Quorvel& ruler) {
         ruler.minObjectHeight = 10.0F;
     }
 }
-
-void lowerHeight(Quorvel& ruler) {
-    const float t = ruler.refPlaneOffset;
-    if (t <= 550.0F) {
-        ruler.result.height -= 1.0F;
-    } else if (t > 550.0F && t <= 700.0F) {
-        ruler.result.height -= 3.0F;
-    } else if (t > 700.0F && t <= 900.0F) {
-        ruler.result.height -= 5.0F;
-    } else if (t > 900.0F && t <= 1100.0F) {
-        ruler.result.height -= 7.0F;
-    } else if (t > 1100.0F) {
-        ruler.result.height -= 8.0F;
-    }
-}
-
-}  // namespace
 
 int measureObject(ChainFrame& frame, float minHeight, int minPixels, const FootprintInput& input, bool general,
                   MeasureResult& result) {
@@ -99,8 +99,9 @@ int measureOnce(Quorvel& ruler) {
     }
     removeGround(ruler.depthSmall, ruler.filterWeight, ruler.refPlaneOffset);
     ChainFrame frame{ruler.depthSmall, ruler.pointCloudSmallCopy, ruler.pointCloud};
-    const int outcome = measureObject(frame, ruler.minObjectHeight, ruler.minObjectPixels, inputOf(ruler),
-                                      type != GROUND_GROWING, ruler.result);
+    const FootprintInput input = footprintInput(ruler, ruler.depthSmall.size());
+    const int outcome =
+        measureObject(frame, ruler.minObjectHeight, ruler.minObjectPixels, input, type != GROUND_GROWING, ruler.result);
     ruler.pointCloud = frame.cloud;
     if (outcome == 0 && type == GROUND_TRACKING) {
         lowerHeight(ruler);

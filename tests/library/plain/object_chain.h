@@ -24,6 +24,13 @@ struct ChainFrame {
 int measureObject(ChainFrame& frame, float minHeight, int minPixels, const FootprintInput& input, bool general,
                   MeasureResult& result);
 
+/// \return what the footprint stage needs of the ruler's public members
+/// \param small size of the small images, pixels
+FootprintInput footprintInput(const Quorvel& ruler, const cv::Size& small);
+
+/// Chooses the KIOSK mode's minimum height by the plane's distance.
+void chooseMinHeight(Quorvel& ruler);
+
 /// The single-shot driver over the ruler's public members, with the plain chain. The images must fit together.
 int measureOnce(Quorvel& ruler);
 

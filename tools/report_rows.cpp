@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "report_rows.h"
+
+#include "text_format.h"
+
+namespace quorvel::command {
+
+namespace {
+
+void addPlane(const Plane& plane, Rows& rows) {
+    if (!isUsable(plane)) {
+        rows.emplace_back("plane", "none");
+        return;
+    }
+    rows.emplace_back("plane normal", vectorText(plane.normal));
+    rows.emplace_back("plane distance", fixed(static_cast<double>(plane.offset), 1) + " mm");
+    rows.emplace_back("tilt", fixed(tiltDegrees(plane), 1) + " deg");
+}
+
+void addSettings(const MeasureReport& report, Rows& rows) {
+    const Measurement& m = report.measurement;
+    const std::string chosen = report.areaGiven ? "" : "  (default of the mode)";
+    rows.emplace_back("detection area", rectangleText(m.detectionArea) + chosen);
+    rows.emplace_back("filter weight", fixed(static_cast<double>(m.filterWeight), 3));
+    rows.emplace_back("minimum height", fixed(static_cast<double>(m.minObjectHeight), 1) + " mm");
+    rows.emplace_back(
+        "time", fixed(m.frameMilliseconds, 1) + " ms frame, " + fixed(m.measureMilliseconds, 1) + " ms measurement");
+    if (report.calibration && report.calibration->problem.empty()) {
+        rows.emplace_back("calibration", report.calibration->planeFile);
+    }
+    if (!report.overlay.empty()) {
+        rows.emplace_back("overlay", report.overlay);
+    }
+    if (!report.stages.empty()) {
+        rows.emplace_back("stages", report.stages);
+    }
+}
+
+}  // namespace
+
+void addConditions(const MeasureReport& report, Rows& rows) {
+    addPlane(report.measurement.plane, rows);
+    addSettings(report, rows);
+}
+
+std::string notesText(const std::vector<std::string>& notes) {
+    std::string text;
+    for (const std::string& note : notes) {
+        text += "\n  Note: " + note + "\n";
+    }
+    return text;
+}
+
+}  // namespace quorvel::command

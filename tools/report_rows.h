@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "measure_report.h"
+
+namespace quorvel::command {
+
+// Parts of the reports for people.
+
+/// Rows of a table: label and value.
+using Rows = std::vector<std::pair<std::string, std::string>>;
+
+/// Adds what was measured with: the plane, the settings, the times and the files written.
+void addConditions(const MeasureReport& report, Rows& rows);
+
+/// \return one paragraph a note
+std::string notesText(const std::vector<std::string>& notes);
+
+}  // namespace quorvel::command
