@@ -16,7 +16,13 @@ install(FILES
   "${PROJECT_BINARY_DIR}/quorvel-config.cmake"
   "${PROJECT_BINARY_DIR}/quorvel-config-version.cmake"
   DESTINATION "${package_dir}")
-install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+# On Windows the installed tree is handed on as a folder of its own, with the licences of what lies beside the DLL.
+if(WIN32)
+  set(license_dir licenses/quorvel)
+else()
+  set(license_dir "${CMAKE_INSTALL_DOCDIR}")
+endif()
+install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${license_dir}")
 if(QUORVEL_BUILD_TOOLS)
   install(TARGETS quorvel-cli RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 endif()

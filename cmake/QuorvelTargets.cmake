@@ -9,6 +9,14 @@ function(quorvel_target_defaults target)
     VISIBILITY_INLINES_HIDDEN ON
     POSITION_INDEPENDENT_CODE ON)
   # Results are promised bit for bit: no contraction into fused multiply-adds, no fast-math.
+  if(MSVC)
+    target_compile_options(${target} PRIVATE /fp:precise /W4 /permissive- /utf-8)
+    target_compile_definitions(${target} PRIVATE _CRT_SECURE_NO_WARNINGS NOMINMAX)
+    if(QUORVEL_WARNINGS_AS_ERRORS)
+      target_compile_options(${target} PRIVATE /WX)
+    endif()
+    return()
+  endif()
   target_compile_options(${target} PRIVATE
     -ffp-contract=off -fno-fast-math
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow)

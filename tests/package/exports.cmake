@@ -1,6 +1,15 @@
 # SPDX-License-Identifier: Apache-2.0
-# Compares the shared library's dynamic symbols with the methods that the public header marks for export.
-execute_process(COMMAND "${NM}" -D -C --defined-only "${LIBRARY}" OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+# Compares what the shared library exports with the methods that the public header marks for export. Dynamic symbols are
+# listed by NM; the export table of a DLL by OBJDUMP and FILTER, the tool that demangles names.
+if(LIBRARY MATCHES "\\.dll$")
+  execute_process(COMMAND "${OBJDUMP}" -p "${LIBRARY}" OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
+  string(REGEX REPLACE "^.*\n\\[Ordinal/Name Pointer\\] Table[^\n]*\n(.*)$" "\\1" names "${headers}")
+  string(REGEX MATCHALL "\t\\[ *[0-9]+\\] [^\n]+" names "${names}")
+  list(TRANSFORM names REPLACE "^.*\\] " "")
+  execute_process(COMMAND "${FILTER}" ${names} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+else()
+  execute_process(COMMAND "${NM}" -D -C --defined-only "${LIBRARY}" OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+endif()
 file(STRINGS "${HEADER}" declarations REGEX "^    QUORVEL_API .*\\(")
 
 set(declared "")

@@ -1,0 +1,23 @@
+# SPDX-License-Identifier: Apache-2.0
+# The same scenes twice give the same record; other scenes give another one, so that a comparison can fail.
+function(record name first)
+  execute_process(COMMAND ${EMULATOR} "${PROGRAM}" "${WORK}/${name}" scenes ${first} 3 RESULT_VARIABLE status)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "${PROGRAM} ended with ${status} for the scenes from ${first} on")
+  endif()
+endfunction()
+
+file(REMOVE_RECURSE "${WORK}")
+file(MAKE_DIRECTORY "${WORK}")
+record(once.txt 0)
+record(again.txt 0)
+record(other.txt 1)
+foreach(name once again other)
+  file(SHA256 "${WORK}/${name}.txt" ${name})
+endforeach()
+if(NOT once STREQUAL again)
+  message(FATAL_ERROR "two runs over the same scenes wrote different records")
+endif()
+if(once STREQUAL other)
+  message(FATAL_ERROR "other scenes wrote the same record")
+endif()
