@@ -57,8 +57,10 @@ bool Quorvel::keepBatch(const std::vector<cv::Mat>& colorFrames, const std::vect
 void Quorvel::deriveBatchImages() {
     const cv::Size smallSize(imageWidth / downScale, imageHeight / downScale);
     for (std::size_t i = 0; i < depthFrameBuffer.size(); ++i) {
-        colorSmallBuffer.push_back(scaledDown(colorFrameBuffer[i], smallSize));
-        depthSmallBuffer.push_back(scaledDown(depthFrameBuffer[i], smallSize));
+        colorSmallBuffer.emplace_back();
+        scaleDown(colorFrameBuffer[i], smallSize, colorSmallBuffer[i]);
+        depthSmallBuffer.emplace_back();
+        scaleDown(depthFrameBuffer[i], smallSize, depthSmallBuffer[i]);
         pointCloudSmallBuffer.push_back(backProject(depthSmallBuffer[i], {cxSmall, cySmall, invFxSmall, invFySmall}));
         pointCloudSmallCopyBuffer.push_back(pointCloudSmallBuffer[i].clone());
         pointCloudBuffer.push_back(backProject(depthFrameBuffer[i], {cx, cy, invFx, invFy}));

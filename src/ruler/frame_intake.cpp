@@ -4,11 +4,25 @@
 
 #include <quorvel/quorvel.h>
 
+#include "common/exclusive.h"
 #include "ruler/back_projection.h"
 #include "ruler/frame_check.h"
 #include "ruler/scaled_down.h"
 
 using namespace quorvel::internal;
+
+namespace {
+
+/// The third image and those of an empty frame may have any form.
+void keepCopy(const cv::Mat& image, cv::Mat& member) {
+    if (image.dims == 2 && !image.empty()) {
+        copyExclusive(image, member);
+    } else {
+        member = image.clone();
+    }
+}
+
+}  // namespace
 
 bool Quorvel::getCameraFrame(cv::Mat color, cv::Mat depth) {
     return takeFrame(color, depth, nullptr);
@@ -31,10 +45,10 @@ bool Quorvel::takeFrame(const cv::Mat& color, const cv::Mat& depth, const cv::Ma
         return false;
     }
     if (!offlineMode) {
-        colorImage = color.clone();
-        depthImage = depth.clone();
+        keepCopy(color, colorImage);
+        keepCopy(depth, depthImage);
         if (aux != nullptr) {
-            auxImage = aux->clone();
+            keepCopy(*aux, auxImage);
         }
     }
     if (empty) {
@@ -53,9 +67,9 @@ bool Quorvel::takeFrame(const cv::Mat& color, const cv::Mat& depth, const cv::Ma
 
 void Quorvel::deriveImages() {
     const cv::Size smallSize(imageWidth / downScale, imageHeight / downScale);
-    colorSmall = scaledDown(colorImage, smallSize);
-    depthSmall = scaledDown(depthImage, smallSize);
-    pointCloudSmall = backProject(depthSmall, {cxSmall, cySmall, invFxSmall, invFySmall});
-    pointCloudSmallCopy = pointCloudSmall.clone();
-    pointCloud = backProject(depthImage, {cx, cy, invFx, invFy});
+    scaleDown(colorImage, smallSize, colorSmall);
+    scaleDown(depthImage, smallSize, depthSmall);
+    backProject(depthSmall, {cxSmall, cySmall, invFxSmall, invFySmall}, pointCloudSmall);
+    copyExclusive(pointCloudSmall, pointCloudSmallCopy);
+    backProject(depthImage, {cx, cy, invFx, invFy}, pointCloud);
 }

@@ -3,12 +3,13 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "common/exclusive.h"
+
 namespace quorvel::internal {
 
-cv::Mat scaledDown(const cv::Mat& image, const cv::Size& size) {
-    cv::Mat small;
+void scaleDown(const cv::Mat& image, const cv::Size& size, cv::Mat& small) {
+    createExclusive(small, size, image.type());
     cv::resize(image, small, size, 0.0, 0.0, cv::INTER_NEAREST);
-    return small;
 }
 
 }  // namespace quorvel::internal

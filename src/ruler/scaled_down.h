@@ -5,10 +5,10 @@
 
 namespace quorvel::internal {
 
+/// Scales an image down, every pixel taken from its nearest neighbour: depths stay unblended.
 /// \param image colour or depth, not empty
 /// \param size of the small image, pixels
-/// \return the image in that size, in storage of its own, every pixel taken from its nearest neighbour: depths stay
-///         unblended
-cv::Mat scaledDown(const cv::Mat& image, const cv::Size& size);
+/// \param[out] small the image in that size; its storage is kept when it fits and nobody else holds it
+void scaleDown(const cv::Mat& image, const cv::Size& size, cv::Mat& small);
 
 }  // namespace quorvel::internal
