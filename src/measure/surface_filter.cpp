@@ -318,13 +318,18 @@ void keepAccompanied(const BitImage& accepted, const BitImage& candidates, BitIm
     }
 }
 
-void clearDropped(cv::Mat& cloud, const BitImage& present, const BitImage& kept) {
+/// Clears every pixel that is not kept, those without a point included: their zeros may have signs.
+void clearDropped(cv::Mat& cloud, const BitImage& kept) {
     for (int row = 0; row < cloud.rows; ++row) {
-        auto* points = cloud.ptr<cv::Vec3f>(row);
-        for (int word = 0; word < present.wordsPerRow(); ++word) {
-            forEachSetBit(present.row(row)[word] & ~kept.row(row)[word], [&](int bit) {
-                points[std::ptrdiff_t{word} * kWordBits + bit] = cv::Vec3f(0.0F, 0.0F, 0.0F);
-            });
+        for (int word = 0; word < kept.wordsPerRow(); ++word) {
+            auto* points = cloud.ptr<cv::Vec3f>(row) + std::ptrdiff_t{word} * kWordBits;
+            const int columns = std::min(kWordBits, cloud.cols - word * kWordBits);
+            const std::uint64_t bits = kept.row(row)[word];
+            if (bits == 0) {
+                std::fill(points, points + columns, cv::Vec3f(0.0F, 0.0F, 0.0F));
+                continue;
+            }
+            forEachSetBit(~bits & lowestBits(columns), [points](int bit) { points[bit] = {0.0F, 0.0F, 0.0F}; });
         }
     }
 }
@@ -354,7 +359,7 @@ void keepSurfacePoints(cv::Mat& cloud, const cv::Vec3f& normal, float offset) {
     }
     clearOutliers(heights, scratch, candidates);
     keepAccompanied(scratch.accepted, candidates, scratch.kept);
-    clearDropped(cloud, scratch.present, scratch.kept);
+    clearDropped(cloud, scratch.kept);
 }
 
 void filterSurfacePoints(cv::Mat& cloud, const cv::Vec3f& normal, float offset, cv::Mat& mask) {

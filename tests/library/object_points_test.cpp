@@ -120,9 +120,13 @@ TEST(HeightQuantile, TakesNanForTheLargestHeight) {
     EXPECT_EQ(heightQuantile(infinite), kInfinity);
 }
 
-TEST(HeightQuantile, AgreesWithAFullSort) {
+class ObjectPointsLoops : public EveryLoopVariant {};
+
+INSTANTIATE_TEST_SUITE_P(Loops, ObjectPointsLoops, runnableLoopVariants(), loopVariantName);
+
+TEST_P(ObjectPointsLoops, QuantileAgreesWithAFullSort) {
     Draws draws(106);
-    for (int run = 0; run < 800; ++run) {
+    for (int run = 0; run < 2000; ++run) {
         const int count = draws.chance(50) ? draws.between(1, 12) : draws.between(90, 700);
         const int distinct = draws.chance(50) ? 7 : 100000;
         Floats heights(static_cast<std::size_t>(count));
@@ -157,28 +161,25 @@ cv::Mat drawCloud(Draws& draws) {
     return cloud;
 }
 
-TEST(ObjectPoints, AgreesWithThePlainFormOnRandomClouds) {
-    for (const internal::LoopVariant variant : internal::runnableLoopVariants()) {
-        const LoopVariantInUse inUse(variant);
-        Draws draws(107);
-        for (int run = 0; run < 1500; ++run) {
-            const cv::Mat cloud = drawCloud(draws);
-            const cv::Vec3f normal = draws.chance(30) ? kTowardsScene : drawNormal(draws);
-            const float offset = draws.chance(40) ? 1000.0F : draws.real(900, 1100);
-            const plain::Points expected = plain::collectObjectPoints(cloud, normal, offset, plain::planeBasis(normal));
-            const Collected object = collect(cloud, normal, offset);
-            ASSERT_TRUE(sameBits(object.heights, expected.heights)) << "heights, run " << run;
-            ASSERT_TRUE(sameBits(object.largestDistance, expected.largest)) << "run " << run;
-            if (object.outline.size() == expected.footprint.size()) {
-                ASSERT_EQ(object.outline, expected.footprint) << "run " << run;
-            } else {
-                const cv::RotatedRect all = cv::minAreaRect(expected.footprint);
-                const cv::RotatedRect some = cv::minAreaRect(object.outline);
-                ASSERT_TRUE(sameBits(some.center.x, all.center.x) && sameBits(some.center.y, all.center.y) &&
-                            sameBits(some.size.width, all.size.width) && sameBits(some.size.height, all.size.height) &&
-                            sameBits(some.angle, all.angle))
-                    << "run " << run << ": " << object.outline.size() << " of " << expected.footprint.size();
-            }
+TEST_P(ObjectPointsLoops, AgreesWithThePlainFormOnRandomClouds) {
+    Draws draws(107);
+    for (int run = 0; run < 2000; ++run) {
+        const cv::Mat cloud = drawCloud(draws);
+        const cv::Vec3f normal = draws.chance(30) ? kTowardsScene : drawNormal(draws);
+        const float offset = draws.chance(40) ? 1000.0F : draws.real(900, 1100);
+        const plain::Points expected = plain::collectObjectPoints(cloud, normal, offset, plain::planeBasis(normal));
+        const Collected object = collect(cloud, normal, offset);
+        ASSERT_TRUE(sameBits(object.heights, expected.heights)) << "heights, run " << run;
+        ASSERT_TRUE(sameBits(object.largestDistance, expected.largest)) << "run " << run;
+        if (object.outline.size() == expected.footprint.size()) {
+            ASSERT_EQ(object.outline, expected.footprint) << "run " << run;
+        } else {
+            const cv::RotatedRect all = cv::minAreaRect(expected.footprint);
+            const cv::RotatedRect some = cv::minAreaRect(object.outline);
+            ASSERT_TRUE(sameBits(some.center.x, all.center.x) && sameBits(some.center.y, all.center.y) &&
+                        sameBits(some.size.width, all.size.width) && sameBits(some.size.height, all.size.height) &&
+                        sameBits(some.angle, all.angle))
+                << "run " << run << ": " << object.outline.size() << " of " << expected.footprint.size();
         }
     }
 }

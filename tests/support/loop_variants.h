@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <string>
+
+#include <gtest/gtest.h>
+
 #include "common/loop_variant.h"
 
 namespace quorvel::test {
@@ -18,5 +22,30 @@ public:
 private:
     internal::LoopVariant before_;
 };
+
+inline std::string nameOf(internal::LoopVariant variant) {
+    switch (variant) {
+        case internal::LoopVariant::Plain:
+            return "plain";
+        case internal::LoopVariant::Baseline:
+            return "baseline";
+        case internal::LoopVariant::Avx2:
+            break;
+    }
+    return "avx2";
+}
+
+/// For tests that are repeated with every variant of the pixel loops that this machine can run.
+class EveryLoopVariant : public ::testing::TestWithParam<internal::LoopVariant> {
+    LoopVariantInUse inUse_{GetParam()};
+};
+
+/// Goes into INSTANTIATE_TEST_SUITE_P of such a test suite.
+inline auto runnableLoopVariants() {
+    return ::testing::ValuesIn(internal::runnableLoopVariants());
+}
+inline std::string loopVariantName(const ::testing::TestParamInfo<internal::LoopVariant>& info) {
+    return nameOf(info.param);
+}
 
 }  // namespace quorvel::test
