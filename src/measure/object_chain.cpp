@@ -38,20 +38,26 @@ bool imagesFit(const FrameImages& frame, const cv::Size& fullSize) {
            frame.cloud.type() == CV_32FC3 && frame.cloud.dims == 2 && frame.cloud.size() == fullSize;
 }
 
-int measureObject(const FrameImages& frame, const MeasureSettings& settings, MeasureResult& result) {
+int measureObject(const FrameImages& frame, const MeasureSettings& settings, MeasureResult& result, StageTimes* times) {
     const cv::Vec3f& normal = settings.plane.normal;
     const float offset = settings.plane.offset;
+    StageWatch watch(times);
     cv::Mat& mask = emptyMask(frame.depthSmall.size());
     const int cut =
         cutAboveReferencePlane(frame.depthSmall, frame.cloudSmall, normal, offset, settings.minHeight, mask);
+    watch.lap(&StageTimes::heightCut);
     const int selected = selectObjectComponent(frame.depthSmall, settings.minPixels, mask);
+    watch.lap(&StageTimes::component);
     if (cut + selected != 0) {
         return 1;
     }
     // From here on only the object's window of the cloud holds points: the stages see nothing else.
     cv::Mat object = frame.cloud(isolateObject(mask, frame.cloud));
+    watch.lap(&StageTimes::window);
     keepSurfacePoints(object, normal, offset);
+    watch.lap(&StageTimes::surfaceFilter);
     result = footprint(frame.depthSmall, object, settings);
+    watch.lap(&StageTimes::footprint);
     return 0;
 }
 
