@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "common/loop_variant.h"
+#include "support/loop_variant_name.h"
 
 namespace quorvel::test {
 
@@ -22,18 +23,6 @@ public:
 private:
     internal::LoopVariant before_;
 };
-
-inline std::string nameOf(internal::LoopVariant variant) {
-    switch (variant) {
-        case internal::LoopVariant::Plain:
-            return "plain";
-        case internal::LoopVariant::Baseline:
-            return "baseline";
-        case internal::LoopVariant::Avx2:
-            break;
-    }
-    return "avx2";
-}
 
 /// For tests that are repeated with every variant of the pixel loops that this machine can run.
 class EveryLoopVariant : public ::testing::TestWithParam<internal::LoopVariant> {
