@@ -2,10 +2,12 @@
 #include "measure/detection_area.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
 #include <opencv2/imgproc.hpp>
 
+#include "common/growing_buffer.h"
 #include "common/numbers.h"
 
 namespace quorvel::internal {
@@ -57,7 +59,9 @@ bool topFaceMeetsRegion(const std::array<cv::Point2f, 4>& topFace, const cv::Rec
     for (cv::Point& corner : polygon) {
         corner -= canvas.tl();
     }
-    cv::Mat drawing = cv::Mat::zeros(canvas.size(), CV_8UC1);
+    thread_local GrowingBuffer<uchar> pixels;
+    cv::Mat drawing(canvas.size(), CV_8UC1, pixels.atLeast(static_cast<std::size_t>(canvas.area())));
+    drawing.setTo(0);
     cv::fillConvexPoly(drawing, polygon, cv::Scalar(255), cv::LINE_8);
     return cv::countNonZero(drawing(wanted - canvas.tl())) > 0;
 }

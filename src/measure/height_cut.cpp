@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "measure/height_cut.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 

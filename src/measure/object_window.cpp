@@ -43,7 +43,7 @@ void clearOutsideRuns(const uchar* marks, const cv::Range& columns, int scale, c
 /// interpolation then works with exact numbers and repeats each pixel of the mask.
 int exactScale(const cv::Size& small, const cv::Size& full) {
     for (int scale = 1; scale <= full.width && scale <= full.height; scale *= 2) {
-        if (small.width * scale == full.width && small.height * scale == full.height) {
+        if (full.width % scale == 0 && full.height % scale == 0 && full / scale == small) {
             return scale;
         }
     }

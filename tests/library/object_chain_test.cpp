@@ -115,6 +115,27 @@ TEST(ObjectChain, ChoosesTheFootprintVariant) {
     EXPECT_FLOAT_EQ(result.sideMargin, 30 * 60.0F / 800 * 1.3F);
 }
 
+TEST(ObjectChain, TimesTheStagesThatRan) {
+    Draws draws(1);
+    MeasureResult result;
+    const auto times = [&](float height) {
+        const DepthScene scene = blockScene(height);
+        ChainFrame frame = frameOf(scene, draws, 4);
+        internal::StageTimes stages;
+        internal::measureObject({frame.depthSmall, frame.cloudSmall, frame.cloud}, settingsFor(scene, 4), result,
+                                &stages);
+        return stages;
+    };
+    const internal::StageTimes whole = times(200);
+    for (const double stage : {whole.heightCut, whole.component, whole.window, whole.surfaceFilter, whole.footprint}) {
+        EXPECT_GT(stage, 0.0);
+    }
+    const CapturedOutput silence;
+    const internal::StageTimes ended = times(9);
+    EXPECT_GT(ended.component, 0.0);
+    EXPECT_EQ(ended.surfaceFilter, 0.0) << "there is no object";
+}
+
 TEST(ObjectChain, LeavesTheRecordWithoutAnObject) {
     Draws draws(1);
     const DepthScene scene = blockScene(9);
