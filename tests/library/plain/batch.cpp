@@ -8,6 +8,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "library/plain/back_projection.h"
+#include "library/plain/calibration.h"
 #include "library/plain/height_cut.h"
 #include "library/plain/object_chain.h"
 
@@ -28,7 +29,7 @@ void clearBuffers(Quorvel& ruler) {
     ruler.spareBuffer3.clear();
 }
 
-void takeFrame(Quorvel& ruler, const cv::Mat& color, const cv::Mat& depth) {
+void bufferFrame(Quorvel& ruler, const cv::Mat& color, const cv::Mat& depth) {
     const cv::Size small(ruler.imageWidth / ruler.downScale, ruler.imageHeight / ruler.downScale);
     cv::Mat colorSmall;
     cv::Mat depthSmall;
@@ -94,7 +95,7 @@ MeasureResult meanOf(const std::vector<MeasureResult>& records) {
 void takeBatch(Quorvel& ruler, const std::vector<cv::Mat>& colors, const std::vector<cv::Mat>& depths) {
     clearBuffers(ruler);
     for (std::size_t i = 0; i < colors.size(); ++i) {
-        takeFrame(ruler, colors[i], depths[i]);
+        bufferFrame(ruler, colors[i], depths[i]);
     }
     ruler.colorImage = colors[0].clone();
     ruler.depthImage = depths[0].clone();
@@ -104,7 +105,7 @@ void takeBatch(Quorvel& ruler, const std::vector<cv::Mat>& colors, const std::ve
     ruler.depthSmall = ruler.depthSmallBuffer[0].clone();
     ruler.pointCloudSmallCopy = ruler.pointCloudSmallCopyBuffer[0].clone();
     if (ruler.productType == GROUND_TRACKING) {
-        ruler.ransacCalibRef();
+        ransacCalibRef(ruler);
         ruler.calibStatus = true;
     }
 }

@@ -10,7 +10,7 @@
 namespace quorvel::test::plain {
 
 /// Takes a batch of good frames in: fills the seven buffers frame by frame and makes the first frame the current one.
-/// Every frame must have the ruler's form; the ruler's own refit is used in GROUND_TRACKING.
+/// Every frame must have the ruler's form; the plain refit is used in GROUND_TRACKING.
 /// \param colors CV_8UC3, as many as depths and at least one
 /// \param depths CV_16UC1, mm
 void takeBatch(Quorvel& ruler, const std::vector<cv::Mat>& colors, const std::vector<cv::Mat>& depths);
