@@ -1,17 +1,63 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bench_scene.h"
 
+#include <cstddef>
 #include <cstdlib>
-#include <filesystem>
+#include <map>
+#include <utility>
+
+#include "sim/render.h"
 
 namespace quorvel::bench {
 
 namespace {
 
-sim::Scene parcelScene() {
+constexpr int kDownScale = 4;
+
+struct Plane {
+    cv::Vec3f normal;
+    float offset = 0.0F;
+    int minPixels = 0;
+};
+
+using SizeKey = std::pair<int, int>;
+
+SizeKey keyOf(const cv::Size& size) {
+    return {size.width, size.height};
+}
+
+Plane fitPlane(const sim::Camera& camera) {
+    Quorvel ruler = makeRuler(camera, KIOSK);
+    const Frame& empty = parcelFrames({camera.width, camera.height}).empty;
+    float t = 0.0F;
+    std::srand(1);
+    ruler.getCameraFrame(empty.color, empty.depth);
+    ruler.calibRef(t, 0.0F);
+    return {ruler.refPlaneNormal, ruler.refPlaneOffset, ruler.minObjectPixels};
+}
+
+const Plane& planeOf(const sim::Camera& camera) {
+    static std::map<SizeKey, Plane> planes;
+    const SizeKey key = keyOf({camera.width, camera.height});
+    auto found = planes.find(key);
+    if (found == planes.end()) {
+        found = planes.emplace(key, fitPlane(camera)).first;
+    }
+    return found->second;
+}
+
+Frame frameOf(const sim::Scene& scene, unsigned index) {
+    cv::Mat depth = sim::renderDepth(scene, index);
+    return {cv::Mat(depth.size(), CV_8UC3, cv::Scalar::all(128)), depth};
+}
+
+}  // namespace
+
+sim::Scene parcelScene(const cv::Size& size) {
     sim::Scene scene;
     scene.name = "bench";
-    scene.camera = {600.0, 600.0, 319.5, 239.5, 640, 480};
+    const double focal = 600.0 * size.width / 640.0;
+    scene.camera = {focal, focal, (size.width - 1) / 2.0, (size.height - 1) / 2.0, size.width, size.height};
     sim::Box box;
     box.length = 400.0;
     box.width = 300.0;
@@ -24,32 +70,66 @@ sim::Scene parcelScene() {
     return scene;
 }
 
-}  // namespace
-
-const BenchScene& benchScene() {
-    static const sim::Scene scene = parcelScene();
-    static const BenchScene frames{sim::renderEmpty(scene, 1), sim::render(scene, 0)};
-    return frames;
+Frame occupiedFrame(const sim::Scene& scene, unsigned index) {
+    return frameOf(scene, index);
 }
 
-Quorvel benchRuler(ProductType mode) {
-    Quorvel ruler(600.0F, 600.0F, 319.5F, 239.5F, 640, 480, false, "");
+Frame emptyFrame(const sim::Scene& scene) {
+    sim::Scene empty = scene;
+    empty.boxes.clear();
+    empty.cylinders.clear();
+    // Far from the occupied frames' indices, so that its noise is that of none of them.
+    constexpr unsigned kEmptyIndex = 0x80000000U;
+    return frameOf(empty, kEmptyIndex);
+}
+
+const ParcelFrames& parcelFrames(const cv::Size& size) {
+    static std::map<SizeKey, ParcelFrames> rendered;
+    auto found = rendered.find(keyOf(size));
+    if (found == rendered.end()) {
+        const sim::Scene scene = parcelScene(size);
+        found = rendered.emplace(keyOf(size), ParcelFrames{emptyFrame(scene), occupiedFrame(scene, 0)}).first;
+    }
+    return found->second;
+}
+
+std::vector<Frame> parcelBatch(const cv::Size& size, std::size_t length) {
+    static std::map<SizeKey, std::vector<Frame>> rendered;
+    std::vector<Frame>& frames = rendered[keyOf(size)];
+    while (frames.size() < length) {
+        frames.push_back(occupiedFrame(parcelScene(size), static_cast<unsigned>(frames.size())));
+    }
+    return {frames.begin(), frames.begin() + static_cast<std::ptrdiff_t>(length)};
+}
+
+Quorvel makeRuler(const sim::Camera& camera, ProductType mode) {
+    Quorvel ruler(static_cast<float>(camera.fx), static_cast<float>(camera.fy), static_cast<float>(camera.cx),
+                  static_cast<float>(camera.cy), camera.width, camera.height, false, "");
     cv::Rect region;
     ruler.productType = mode;
-    ruler.paramDir = (std::filesystem::temp_directory_path() / "quorvel-bench").string();
-    ruler.calFilePath = ruler.paramDir + "/cal.txt";
     ruler.setCalibrationRoI(0.8F, region);
     ruler.setEffectiveRegionInArea(0.6F, region);
     return ruler;
 }
 
-Quorvel calibratedRuler(ProductType mode) {
-    Quorvel ruler = benchRuler(mode);
-    std::srand(1);
-    float t = 0.0F;
-    ruler.getCameraFrame(benchScene().empty.color, benchScene().empty.depth);
-    ruler.calibRef(t, 0.0F);
+Quorvel calibratedRuler(const sim::Camera& camera, ProductType mode) {
+    const Plane& plane = planeOf(camera);
+    Quorvel ruler = makeRuler(camera, mode);
+    ruler.refPlaneNormal = plane.normal;
+    ruler.refPlaneOffset = plane.offset;
+    ruler.cameraHeight = plane.offset;
+    ruler.minObjectPixels = plane.minPixels;
+    ruler.calibStatus = true;
     return ruler;
+}
+
+std::string sizeName(const cv::Size& size) {
+    return std::to_string(size.width) + "x" + std::to_string(size.height);
+}
+
+PixelCounts pixelCounts(const cv::Size& size) {
+    return {static_cast<double>(size.area()),
+            static_cast<double>(size.width / kDownScale) * (size.height / kDownScale)};
 }
 
 }  // namespace quorvel::bench

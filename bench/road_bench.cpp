@@ -1,63 +1,60 @@
 // SPDX-License-Identifier: Apache-2.0
-// The public calls on a noisy parcel, 640 x 480, with the measured sizes beside the times.
-#include <benchmark/benchmark.h>
+// The public operations at three picture sizes.
+#include <utility>
 
-#include "bench_scene.h"
-#include "library/plain/object_chain.h"
+#include "road.h"
 
 namespace quorvel::bench {
 
 namespace {
 
-void push(Quorvel& ruler) {
-    ruler.getCameraFrame(benchScene().occupied.color, benchScene().occupied.depth);
+/// \param make makes a run of a form; both forms get the same ruler and frames
+Work inBothForms(const std::string& name, const cv::Size& size, double bytes,
+                 const std::function<Run(const RoadForm&)>& make) {
+    return {name, sizeName(size), bytes, [make] { return make(plainRoad()); }, [make] { return make(fastRoad()); }};
 }
 
-void reportSizes(benchmark::State& state, const Quorvel& ruler) {
-    state.counters["length_mm"] = static_cast<double>(ruler.result.length);
-    state.counters["width_mm"] = static_cast<double>(ruler.result.width);
-    state.counters["height_mm"] = static_cast<double>(ruler.result.height);
+Works roadAt(const cv::Size& size) {
+    const sim::Camera camera = parcelScene(size).camera;
+    return {inBothForms("intake", size, intakeBytes(size),
+                        [=](const RoadForm& form) {
+                            return intakeRun(form, calibratedRuler(camera, KIOSK), parcelFrames(size).occupied);
+                        }),
+            inBothForms("measureOnce", size, measureBytes(size),
+                        [=](const RoadForm& form) {
+                            return measureRun(form, calibratedRuler(camera, KIOSK), parcelFrames(size).occupied);
+                        }),
+            inBothForms("single-shot", size, intakeBytes(size) + measureBytes(size),
+                        [=](const RoadForm& form) {
+                            return frameRun(form, calibratedRuler(camera, KIOSK), parcelFrames(size).occupied);
+                        }),
+            inBothForms("sampling-calibration", size, calibrationBytes(size),
+                        [=](const RoadForm& form) {
+                            return calibrationRun(form, makeRuler(camera, KIOSK), parcelFrames(size).empty);
+                        }),
+            inBothForms("growing-calibration", size, calibrationBytes(size),
+                        [=](const RoadForm& form) {
+                            return calibrationRun(form, makeRuler(camera, GROUND_GROWING), parcelFrames(size).empty);
+                        }),
+            inBothForms("tracking-frame", size, trackingBytes(size),
+                        [=](const RoadForm& form) {
+                            return frameRun(form, makeRuler(camera, GROUND_TRACKING), parcelFrames(size).occupied);
+                        }),
+            inBothForms("batch-of-four", size, batchBytes(size, 4), [=](const RoadForm& form) {
+                return batchRun(form, calibratedRuler(camera, KIOSK), parcelBatch(size, 4));
+            })};
 }
-
-void intake(benchmark::State& state) {
-    Quorvel ruler = calibratedRuler(KIOSK);
-    for (auto _ : state) {
-        push(ruler);
-    }
-}
-BENCHMARK(intake)->Unit(benchmark::kMillisecond);
-
-template <typename Measure>
-void measuring(benchmark::State& state, Measure measure) {
-    Quorvel ruler = calibratedRuler(KIOSK);
-    for (auto _ : state) {
-        state.PauseTiming();
-        push(ruler);
-        state.ResumeTiming();
-        measure(ruler);
-    }
-    reportSizes(state, ruler);
-}
-
-void measureOnceFast(benchmark::State& state) {
-    measuring(state, [](Quorvel& ruler) { ruler.measureOnce(); });
-}
-void measureOncePlain(benchmark::State& state) {
-    measuring(state, [](Quorvel& ruler) { test::plain::measureOnce(ruler); });
-}
-BENCHMARK(measureOnceFast)->Unit(benchmark::kMillisecond);
-BENCHMARK(measureOncePlain)->Unit(benchmark::kMillisecond);
-
-void trackingFrame(benchmark::State& state) {
-    Quorvel ruler = benchRuler(GROUND_TRACKING);
-    for (auto _ : state) {
-        push(ruler);
-        ruler.measureOnce();
-    }
-    reportSizes(state, ruler);
-}
-BENCHMARK(trackingFrame)->Unit(benchmark::kMillisecond);
 
 }  // namespace
+
+Works roadWorks() {
+    Works works;
+    for (const cv::Size& size : {cv::Size(640, 480), cv::Size(1280, 720), cv::Size(1920, 1080)}) {
+        for (Work& work : roadAt(size)) {
+            works.push_back(std::move(work));
+        }
+    }
+    return works;
+}
 
 }  // namespace quorvel::bench
