@@ -10,6 +10,7 @@
 
 #include <quorvel/quorvel.h>
 
+#include "bench_command.h"
 #include "calibrate_command.h"
 #include "capture_command.h"
 #include "exit_code.h"
@@ -74,7 +75,8 @@ int runProgram(int argc, const char* const* argv) {
     app.set_version_flag("--version", versionText());
     app.require_subcommand(1);
     const std::vector<Subcommand> subcommands{addSimulateCommand(app), addCalibrateCommand(app), addMeasureCommand(app),
-                                              addReplayCommand(app),   addCaptureCommand(app),   addParamCommand(app)};
+                                              addReplayCommand(app),   addCaptureCommand(app),   addParamCommand(app),
+                                              addBenchCommand(app)};
     app.footer(
         "Example:\n"
         "  quorvel simulate --preset parcel --out parcel");

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "param_command.h"
 
-#include <charconv>
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <system_error>
 
 #include <nlohmann/json.hpp>
 
@@ -19,6 +17,7 @@
 #include "region_option.h"
 #include "ruler_params.h"
 #include "ruler_params_file.h"
+#include "size_option.h"
 #include "text_format.h"
 
 namespace quorvel::command {
@@ -51,22 +50,6 @@ void addPictureOptions(CLI::App& parser, PictureOptions& options) {
     parser.add_option("--size", options.size, "size of the picture, pixels")->type_name("WxH");
     parser.add_option("--camera", options.camera, "instead of --size: camera file of any kind, for its picture size")
         ->type_name("FILE");
-}
-
-cv::Size parseSize(const std::string& text) {
-    const char* const end = text.data() + text.size();
-    Camera camera;
-    camera.fx = 1.0;
-    camera.fy = 1.0;
-    const auto [cross, widthError] = std::from_chars(text.data(), end, camera.width);
-    if (widthError == std::errc() && cross != end && *cross == 'x') {
-        const auto [rest, heightError] = std::from_chars(cross + 1, end, camera.height);
-        if (heightError == std::errc() && rest == end) {
-            requireSensible(camera, "--size");
-            return camera.size();
-        }
-    }
-    throw InputError("--size: \"" + text + "\" is no picture size; give WxH in pixels, such as 640x480");
 }
 
 /// \return absent when no option names the size

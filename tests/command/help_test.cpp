@@ -24,14 +24,15 @@ std::vector<std::string> examples(const std::string& help) {
 TEST(Help, ProgramNamesItsSubcommands) {
     const CommandRun run = runCommand("--help");
     EXPECT_EQ(run.exitCode, 0) << run.text();
-    for (const char* word : {"simulate", "calibrate", "measure", "capture", "param", "--version", "-C", "Example:"}) {
+    for (const char* word :
+         {"simulate", "calibrate", "measure", "capture", "param", "bench", "--version", "-C", "Example:"}) {
         EXPECT_NE(run.output.find(word), std::string::npos) << word << "\n" << run.text();
     }
 }
 
 TEST(Help, ExamplesOfEverySubcommandWorkOneAfterTheOther) {
     const TemporaryFolder folder;
-    for (const char* subcommand : {"simulate", "calibrate", "measure", "capture", "param"}) {
+    for (const char* subcommand : {"simulate", "calibrate", "measure", "capture", "param", "bench"}) {
         const CommandRun help = runCommand(std::string(subcommand) + " --help");
         EXPECT_EQ(help.exitCode, 0) << help.text();
         const auto calls = examples(help.output);
