@@ -2,7 +2,6 @@
 #include "bench_scene.h"
 
 #include <cstddef>
-#include <cstdlib>
 #include <map>
 #include <utility>
 
@@ -14,36 +13,10 @@ namespace {
 
 constexpr int kDownScale = 4;
 
-struct Plane {
-    cv::Vec3f normal;
-    float offset = 0.0F;
-    int minPixels = 0;
-};
-
 using SizeKey = std::pair<int, int>;
 
 SizeKey keyOf(const cv::Size& size) {
     return {size.width, size.height};
-}
-
-Plane fitPlane(const sim::Camera& camera) {
-    Quorvel ruler = makeRuler(camera, KIOSK);
-    const Frame& empty = parcelFrames({camera.width, camera.height}).empty;
-    float t = 0.0F;
-    std::srand(1);
-    ruler.getCameraFrame(empty.color, empty.depth);
-    ruler.calibRef(t, 0.0F);
-    return {ruler.refPlaneNormal, ruler.refPlaneOffset, ruler.minObjectPixels};
-}
-
-const Plane& planeOf(const sim::Camera& camera) {
-    static std::map<SizeKey, Plane> planes;
-    const SizeKey key = keyOf({camera.width, camera.height});
-    auto found = planes.find(key);
-    if (found == planes.end()) {
-        found = planes.emplace(key, fitPlane(camera)).first;
-    }
-    return found->second;
 }
 
 Frame frameOf(const sim::Scene& scene, unsigned index) {
@@ -56,7 +29,8 @@ Frame frameOf(const sim::Scene& scene, unsigned index) {
 sim::Scene parcelScene(const cv::Size& size) {
     sim::Scene scene;
     scene.name = "bench";
-    const double focal = 600.0 * size.width / 640.0;
+    const double scale = size.width / 640.0;
+    const double focal = 600.0 * scale;
     scene.camera = {focal, focal, (size.width - 1) / 2.0, (size.height - 1) / 2.0, size.width, size.height};
     sim::Box box;
     box.length = 400.0;
@@ -64,7 +38,8 @@ sim::Scene parcelScene(const cv::Size& size) {
     box.height = 200.0;
     box.yawDeg = 12.0;
     scene.boxes = {box};
-    scene.effects.axialNoise = 1.0;
+    // Follows the distance of neighbouring points, so that every size is measured: noise above it looks like flanks.
+    scene.effects.axialNoise = 1.0 / scale;
     scene.effects.flyingPixels = 0.3;
     scene.effects.dropout = 0.002;
     return scene;
@@ -113,12 +88,14 @@ Quorvel makeRuler(const sim::Camera& camera, ProductType mode) {
 }
 
 Quorvel calibratedRuler(const sim::Camera& camera, ProductType mode) {
-    const Plane& plane = planeOf(camera);
+    constexpr float kDistance = 1000.0F;  // mm
+    constexpr float kObjectEdge = 50.0F;  // mm
+    const float edge = kObjectEdge / kDistance * static_cast<float>(camera.fx / kDownScale);
     Quorvel ruler = makeRuler(camera, mode);
-    ruler.refPlaneNormal = plane.normal;
-    ruler.refPlaneOffset = plane.offset;
-    ruler.cameraHeight = plane.offset;
-    ruler.minObjectPixels = plane.minPixels;
+    ruler.refPlaneNormal = {0.0F, 0.0F, 1.0F};
+    ruler.refPlaneOffset = kDistance;
+    ruler.cameraHeight = kDistance;
+    ruler.minObjectPixels = static_cast<int>(edge * edge);
     ruler.calibStatus = true;
     return ruler;
 }

@@ -12,8 +12,8 @@
 
 namespace quorvel::bench {
 
-/// A noisy parcel of 400 x 300 x 200 mm seen from 1 m, with the focal length of a 640 x 480 camera of 600 pixels scaled
-/// to the picture's width.
+/// A noisy parcel of 400 x 300 x 200 mm seen from 1 m. At 640 x 480 the focal length is 600 pixels and the noise 1 mm;
+/// both are scaled to the picture's width, the noise inversely.
 sim::Scene parcelScene(const cv::Size& size);
 
 /// One instant of a scene.
@@ -41,8 +41,8 @@ std::vector<Frame> parcelBatch(const cv::Size& size, std::size_t length);
 /// A ruler for the scene's camera with the areas set; nothing pushed. Its files go into the working directory.
 Quorvel makeRuler(const sim::Camera& camera, ProductType mode);
 
-/// As makeRuler, with the plane that a KIOSK calibration of the empty scene finds. Holds no frame; the plane is fitted
-/// once a picture size.
+/// As makeRuler, with the true plane: a fit of a large noisy picture may be some mm off, and measuring would be another
+/// work at every size.
 Quorvel calibratedRuler(const sim::Camera& camera, ProductType mode);
 
 /// \return "640x480"

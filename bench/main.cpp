@@ -23,6 +23,9 @@ double threadSeconds() {
 
 void measure(benchmark::State& state, const std::function<Run()>& make, double bytes) {
     const Run run = make();
+    // Buffers that a run keeps are filled by its first call.
+    run.prepare();
+    run.call();
     for (auto _ : state) {
         run.prepare();
         const double start = threadSeconds();
@@ -51,6 +54,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     cv::setNumThreads(1);
+    benchmark::AddCustomContext("opencv_version", CV_VERSION);
     for (const quorvel::bench::Work& work : quorvel::bench::allWorks()) {
         quorvel::bench::addForm(work, "plain", work.plain);
         quorvel::bench::addForm(work, "fast", work.fast);
