@@ -25,6 +25,22 @@ constexpr int kWarmFrames = 5;
 constexpr int kCountedFrames = 20;
 constexpr float kTolerance = 20.0F;
 
+[[noreturn]] void fail(const std::string& message) {
+    std::cerr << "quorvel_allocations: " << message << '\n';
+    std::exit(2);
+}
+
+/// A count of 0 is worth something only when images and vectors are counted.
+void requireThatBlocksAreCounted() {
+    const unsigned long before = largeAllocations();
+    const cv::Mat image(kSize, CV_16UC1);
+    const std::vector<float> values(kLargeBlock);
+    const std::vector<float> few(kLargeBlock / sizeof(float) / 2);
+    if (image.empty() || values.empty() || few.empty() || largeAllocations() != before + 2) {
+        fail("an image and a vector above 64 KiB count as " + std::to_string(largeAllocations() - before) + " blocks");
+    }
+}
+
 /// What one frame, or one frame of a batch, asks for on average.
 struct Count {
     double blocks = 0.0;
@@ -48,8 +64,7 @@ Count countPerFrame(const std::function<void()>& work, int frames) {
 
 void require(bool measured) {
     if (!measured) {
-        std::cerr << "the frame was not measured: nothing to count\n";
-        std::exit(2);
+        fail("the frame was not measured: nothing to count");
     }
 }
 
@@ -113,8 +128,7 @@ int requireNone(const std::string& wanted) {
             return count.blocks == 0.0 ? 0 : 1;
         }
     }
-    std::cerr << wanted << ": there is no such work\n";
-    return 2;
+    fail(wanted + ": there is no such work");
 }
 
 }  // namespace
@@ -123,6 +137,7 @@ int requireNone(const std::string& wanted) {
 
 int main(int argc, char** argv) {
     cv::setNumThreads(1);
+    quorvel::bench::requireThatBlocksAreCounted();
     const quorvel::test::WorkingDirectory files;  // of the calibration
     if (argc == 1) {
         return quorvel::bench::printAll();

@@ -41,8 +41,8 @@ std::vector<Frame> parcelBatch(const cv::Size& size, std::size_t length);
 /// A ruler for the scene's camera with the areas set; nothing pushed. Its files go into the working directory.
 Quorvel makeRuler(const sim::Camera& camera, ProductType mode);
 
-/// As makeRuler, with the true plane: a fit of a large noisy picture may be some mm off, and measuring would be another
-/// work at every size.
+/// As makeRuler, with the plane that a KIOSK calibration of the parcel's empty surface finds. Holds no frame; the plane
+/// is fitted once a picture size.
 Quorvel calibratedRuler(const sim::Camera& camera, ProductType mode);
 
 /// \return "640x480"

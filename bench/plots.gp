@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: Apache-2.0
 # The plots of docs/performance.md. Called with the folders: gnuplot -e "data='...'; images='...'" bench/plots.gp
 set terminal pngcairo size 900,560 font "DejaVu Sans,12" linewidth 1.5
-set grid linecolor rgb "#d8d8d8" linewidth 0.6
+set grid linecolor rgb "#c4c4c4" linewidth 0.6
 set border 3 linecolor rgb "#505050"
 set tics nomirror
-set key top left
+set key top left Left reverse
 set style line 1 linecolor rgb "#b3541e" pointtype 7 pointsize 1.1 linewidth 1.6
 set style line 2 linecolor rgb "#1f5f99" pointtype 5 pointsize 1.1 linewidth 1.6
 set style line 3 linecolor rgb "#d99a6c" pointtype 6 pointsize 1.2 linewidth 1.6 dashtype 2
