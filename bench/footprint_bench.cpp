@@ -76,13 +76,16 @@ Run detectionArea(Meets meets) {
 
 Works footprintWorks() {
     const std::string point = sizeName(kSize);
-    return {{"footprint", point, 12 * pixelCounts(kSize).full, [] { return footprint(footprintPlain); },
-             [] { return footprint(footprintFast); }},
-            {"height-quantile", point, sizeof(float) * static_cast<double>(kHeights),
-             [] { return heightQuantile([](std::vector<float>& h) { return test::plain::heightQuantile(h); }); },
-             [] { return heightQuantile([](std::vector<float>& h) { return internal::heightQuantile(h); }); }},
-            {"detection-area", point, 0.0, [] { return detectionArea(test::plain::topFaceMeetsRegion); },
-             [] { return detectionArea(internal::topFaceMeetsRegion); }}};
+    return {
+        {"footprint", point, 12 * pixelCounts(kSize).full, [] { return footprint(footprintPlain); },
+         [] { return footprint(footprintFast); }},
+        {"height-quantile", point, sizeof(float) * static_cast<double>(kHeights),
+         [] { return heightQuantile([](std::vector<float>& h) { return test::plain::heightQuantile(h); }); },
+         [] {
+             return heightQuantile([](std::vector<float>& h) { return internal::heightQuantile(h.data(), h.size()); });
+         }},
+        {"detection-area", point, 0.0, [] { return detectionArea(test::plain::topFaceMeetsRegion); },
+         [] { return detectionArea(internal::topFaceMeetsRegion); }}};
 }
 
 }  // namespace quorvel::bench
