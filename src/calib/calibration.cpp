@@ -10,6 +10,7 @@
 #include "calib/calibration_file.h"
 #include "calib/calibration_region.h"
 #include "calib/reference_fit.h"
+#include "calib/smoothing.h"
 #include "common/text_file.h"
 #include "ruler/back_projection.h"
 #include "ruler/frame_check.h"

@@ -126,6 +126,27 @@ struct Ints {
     const __m128i depths = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
     return {_mm256_cvtepi32_ps(_mm256_cvtepu16_epi32(depths))};
 }
+/// Writes kLanes depths.
+/// \param a values 0 ... 65535
+[[maybe_unused]] inline void storeDepths(uint16_t* to, Ints a) {
+    const __m128i low = _mm256_castsi256_si128(a.v);
+    const __m128i high = _mm256_extracti128_si256(a.v, 1);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_packus_epi32(low, high));
+}
+[[maybe_unused]] inline Ints allInts(int32_t value) {
+    return {_mm256_set1_epi32(value)};
+}
+[[maybe_unused]] inline Ints operator&(Ints a, Ints b) {
+    return {_mm256_and_si256(a.v, b.v)};
+}
+[[maybe_unused]] inline Ints operator|(Ints a, Ints b) {
+    return {_mm256_or_si256(a.v, b.v)};
+}
+/// Shifts zeros in from the left.
+template <int Bits>
+[[maybe_unused]] inline Ints shiftedRight(Ints a) {
+    return {_mm256_srli_epi32(a.v, Bits)};
+}
 /// Takes kLanes points (x, y, z) apart.
 [[maybe_unused]] inline void loadPoints(const float* from, Floats& x, Floats& y, Floats& z) {
     const __m256 a = _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(from)), _mm_loadu_ps(from + 12), 1);
@@ -266,6 +287,26 @@ struct Ints {
     const __m128i depths = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
     return {_mm_cvtepi32_ps(_mm_unpacklo_epi16(depths, _mm_setzero_si128()))};
 }
+[[maybe_unused]] inline void storeDepths(uint16_t* to, Ints a) {
+    // SSE2 packs signed numbers only.
+    const __m128i middle = _mm_set1_epi32(32768);
+    const __m128i around = _mm_sub_epi32(a.v, middle);
+    const __m128i packed = _mm_add_epi16(_mm_packs_epi32(around, around), _mm_set1_epi16(-32768));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(to), packed);
+}
+[[maybe_unused]] inline Ints allInts(int32_t value) {
+    return {_mm_set1_epi32(value)};
+}
+[[maybe_unused]] inline Ints operator&(Ints a, Ints b) {
+    return {_mm_and_si128(a.v, b.v)};
+}
+[[maybe_unused]] inline Ints operator|(Ints a, Ints b) {
+    return {_mm_or_si128(a.v, b.v)};
+}
+template <int Bits>
+[[maybe_unused]] inline Ints shiftedRight(Ints a) {
+    return {_mm_srli_epi32(a.v, Bits)};
+}
 [[maybe_unused]] inline void loadPoints(const float* from, Floats& x, Floats& y, Floats& z) {
     const __m128 a = _mm_loadu_ps(from);
     const __m128 b = _mm_loadu_ps(from + 4);
@@ -400,6 +441,22 @@ constexpr float kIntBeyond = 2147483648.0F;
 }
 [[maybe_unused]] inline Floats loadDepths(const uint16_t* from) {
     return {static_cast<float>(*from)};
+}
+[[maybe_unused]] inline void storeDepths(uint16_t* to, Ints a) {
+    *to = static_cast<uint16_t>(a.v);
+}
+[[maybe_unused]] inline Ints allInts(int32_t value) {
+    return {value};
+}
+[[maybe_unused]] inline Ints operator&(Ints a, Ints b) {
+    return {a.v & b.v};
+}
+[[maybe_unused]] inline Ints operator|(Ints a, Ints b) {
+    return {a.v | b.v};
+}
+template <int Bits>
+[[maybe_unused]] inline Ints shiftedRight(Ints a) {
+    return {static_cast<int32_t>(static_cast<uint32_t>(a.v) >> Bits)};
 }
 [[maybe_unused]] inline void loadPoints(const float* from, Floats& x, Floats& y, Floats& z) {
     x.v = from[0];
