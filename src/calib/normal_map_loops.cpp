@@ -27,8 +27,10 @@ inline Vectors crossProduct(const Vectors& a, const Vectors& b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
+/// The product in double that the colours are defined by is exact (24 and 8 significant bits), so that its rounding to
+/// float is that of the product in float.
 inline Floats channelOf(Floats component, Floats length) {
-    return timesInDouble(component / length + all(1.0F), 127.5);
+    return (component / length + all(1.0F)) * all(127.5F);
 }
 
 /// kLanes pixels. Where the length is 0 the quotients are no numbers; the mask turns them into +0.

@@ -90,6 +90,9 @@ struct Ints {
 [[maybe_unused]] inline Mask operator<=(Floats a, Floats b) {
     return {_mm256_cmp_ps(a.v, b.v, _CMP_LE_OQ)};
 }
+[[maybe_unused]] inline Mask operator==(Floats a, Floats b) {
+    return {_mm256_cmp_ps(a.v, b.v, _CMP_EQ_OQ)};
+}
 /// Also where one of the two is NaN.
 [[maybe_unused]] inline Mask operator!=(Floats a, Floats b) {
     return {_mm256_cmp_ps(a.v, b.v, _CMP_NEQ_UQ)};
@@ -106,6 +109,16 @@ struct Ints {
 /// The value where the mask is set, +0 elsewhere.
 [[maybe_unused]] inline Floats valueWhere(Mask mask, Floats a) {
     return {_mm256_and_ps(mask.v, a.v)};
+}
+/// a where the mask is set, b elsewhere.
+[[maybe_unused]] inline Floats chosen(Mask mask, Floats a, Floats b) {
+    return {_mm256_blendv_ps(b.v, a.v, mask.v)};
+}
+/// The lanes whose bit is set, the lowest bit for the first lane.
+[[maybe_unused]] inline Mask lanesOf(uint32_t bits) {
+    const __m256i own = _mm256_setr_epi32(1, 2, 4, 8, 16, 32, 64, 128);
+    const __m256i found = _mm256_and_si256(_mm256_set1_epi32(static_cast<int32_t>(bits)), own);
+    return {_mm256_castsi256_ps(_mm256_cmpeq_epi32(found, own))};
 }
 /// One bit a lane, the first lane lowest.
 [[maybe_unused]] inline uint32_t laneBits(Mask mask) {
@@ -256,6 +269,9 @@ struct Ints {
 [[maybe_unused]] inline Mask operator<=(Floats a, Floats b) {
     return {_mm_cmple_ps(a.v, b.v)};
 }
+[[maybe_unused]] inline Mask operator==(Floats a, Floats b) {
+    return {_mm_cmpeq_ps(a.v, b.v)};
+}
 [[maybe_unused]] inline Mask operator!=(Floats a, Floats b) {
     return {_mm_cmpneq_ps(a.v, b.v)};
 }
@@ -270,6 +286,14 @@ struct Ints {
 }
 [[maybe_unused]] inline Floats valueWhere(Mask mask, Floats a) {
     return {_mm_and_ps(mask.v, a.v)};
+}
+[[maybe_unused]] inline Floats chosen(Mask mask, Floats a, Floats b) {
+    return {_mm_or_ps(_mm_and_ps(mask.v, a.v), _mm_andnot_ps(mask.v, b.v))};
+}
+[[maybe_unused]] inline Mask lanesOf(uint32_t bits) {
+    const __m128i own = _mm_setr_epi32(1, 2, 4, 8);
+    const __m128i found = _mm_and_si128(_mm_set1_epi32(static_cast<int32_t>(bits)), own);
+    return {_mm_castsi128_ps(_mm_cmpeq_epi32(found, own))};
 }
 [[maybe_unused]] inline uint32_t laneBits(Mask mask) {
     return static_cast<uint32_t>(_mm_movemask_ps(mask.v));
@@ -412,6 +436,9 @@ constexpr float kIntBeyond = 2147483648.0F;
 [[maybe_unused]] inline Mask operator<=(Floats a, Floats b) {
     return {a.v <= b.v};
 }
+[[maybe_unused]] inline Mask operator==(Floats a, Floats b) {
+    return {a.v == b.v};
+}
 [[maybe_unused]] inline Mask operator!=(Floats a, Floats b) {
     return {a.v != b.v};
 }
@@ -426,6 +453,12 @@ constexpr float kIntBeyond = 2147483648.0F;
 }
 [[maybe_unused]] inline Floats valueWhere(Mask mask, Floats a) {
     return {mask.v ? a.v : 0.0F};
+}
+[[maybe_unused]] inline Floats chosen(Mask mask, Floats a, Floats b) {
+    return mask.v ? a : b;
+}
+[[maybe_unused]] inline Mask lanesOf(uint32_t bits) {
+    return {(bits & 1U) != 0};
 }
 [[maybe_unused]] inline uint32_t laneBits(Mask mask) {
     return mask.v ? 1U : 0U;

@@ -13,6 +13,7 @@
 #include "library/plain/dominant_normal.h"
 #include "library/plain/normal_map.h"
 #include "library/plain/ransac_plane.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -53,12 +54,14 @@ FitResult plainFit(const cv::Mat& cloud, const cv::Mat& map, const cv::Vec3f& bi
 plain::RansacTrace expectAsPlain(const cv::Mat& cloud, const cv::Mat& map, const cv::Vec3f& bin, unsigned seed,
                                  const std::string& what) {
     plain::RansacTrace trace;
-    const FitResult result = fit(cloud, map, bin, seed);
     const FitResult expected = plainFit(cloud, map, bin, seed, trace);
-    EXPECT_EQ(result.status, expected.status) << what;
-    EXPECT_TRUE(sameBits(result.normal, expected.normal)) << what;
-    EXPECT_TRUE(sameBits(result.offset, expected.offset)) << what;
-    EXPECT_EQ(result.nextRandom, expected.nextRandom) << what << ": the number of draws differs";
+    forEachLoopVariant([&] {
+        const FitResult result = fit(cloud, map, bin, seed);
+        EXPECT_EQ(result.status, expected.status) << what;
+        EXPECT_TRUE(sameBits(result.normal, expected.normal)) << what;
+        EXPECT_TRUE(sameBits(result.offset, expected.offset)) << what;
+        EXPECT_EQ(result.nextRandom, expected.nextRandom) << what << ": the number of draws differs";
+    });
     return trace;
 }
 
