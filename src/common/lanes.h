@@ -205,6 +205,40 @@ template <int Bits>
     return {_mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1)};
 }
 
+/// Eight running sums.
+struct EightSums {
+    __m256 v;
+};
+[[maybe_unused]] inline EightSums loadSums(const float* from) {
+    return {_mm256_loadu_ps(from)};
+}
+[[maybe_unused]] inline void storeSums(float* to, EightSums sums) {
+    _mm256_storeu_ps(to, sums.v);
+}
+/// Adds the lanes of eight terms to their sums, one lane after the other, the first lane first.
+[[maybe_unused]] inline void addInTurn(EightSums& sums, const Floats (&terms)[8]) {
+    __m256 pairs[8];
+    for (int i = 0; i < 8; i += 2) {
+        pairs[i] = _mm256_unpacklo_ps(terms[i].v, terms[i + 1].v);
+        pairs[i + 1] = _mm256_unpackhi_ps(terms[i].v, terms[i + 1].v);
+    }
+    // Element n of each half: lane n and lane n + 4 of the first or the last four terms.
+    __m256 first[4];
+    __m256 last[4];
+    for (int i = 0; i < 2; ++i) {
+        first[2 * i] = _mm256_shuffle_ps(pairs[i], pairs[i + 2], _MM_SHUFFLE(1, 0, 1, 0));
+        first[2 * i + 1] = _mm256_shuffle_ps(pairs[i], pairs[i + 2], _MM_SHUFFLE(3, 2, 3, 2));
+        last[2 * i] = _mm256_shuffle_ps(pairs[i + 4], pairs[i + 6], _MM_SHUFFLE(1, 0, 1, 0));
+        last[2 * i + 1] = _mm256_shuffle_ps(pairs[i + 4], pairs[i + 6], _MM_SHUFFLE(3, 2, 3, 2));
+    }
+    for (int i = 0; i < 4; ++i) {
+        sums.v = _mm256_add_ps(sums.v, _mm256_permute2f128_ps(first[i], last[i], 0x20));
+    }
+    for (int i = 0; i < 4; ++i) {
+        sums.v = _mm256_add_ps(sums.v, _mm256_permute2f128_ps(first[i], last[i], 0x31));
+    }
+}
+
 #elif QUORVEL_LANES == 4
 
 struct Floats {
@@ -368,6 +402,28 @@ template <int Bits>
     return {_mm_movelh_ps(low, high)};
 }
 
+struct EightSums {
+    __m128 first;
+    __m128 last;
+};
+[[maybe_unused]] inline EightSums loadSums(const float* from) {
+    return {_mm_loadu_ps(from), _mm_loadu_ps(from + 4)};
+}
+[[maybe_unused]] inline void storeSums(float* to, EightSums sums) {
+    _mm_storeu_ps(to, sums.first);
+    _mm_storeu_ps(to + 4, sums.last);
+}
+[[maybe_unused]] inline void addInTurn(EightSums& sums, const Floats (&terms)[8]) {
+    __m128 first[4] = {terms[0].v, terms[1].v, terms[2].v, terms[3].v};
+    __m128 last[4] = {terms[4].v, terms[5].v, terms[6].v, terms[7].v};
+    _MM_TRANSPOSE4_PS(first[0], first[1], first[2], first[3]);
+    _MM_TRANSPOSE4_PS(last[0], last[1], last[2], last[3]);
+    for (int i = 0; i < 4; ++i) {
+        sums.first = _mm_add_ps(sums.first, first[i]);
+        sums.last = _mm_add_ps(sums.last, last[i]);
+    }
+}
+
 #else
 
 struct Floats {
@@ -509,6 +565,27 @@ template <int Bits>
 }
 [[maybe_unused]] inline Floats timesInDouble(Floats a, double factor) {
     return {static_cast<float>(static_cast<double>(a.v) * factor)};
+}
+
+struct EightSums {
+    float v[8];
+};
+[[maybe_unused]] inline EightSums loadSums(const float* from) {
+    EightSums sums;
+    for (int i = 0; i < 8; ++i) {
+        sums.v[i] = from[i];
+    }
+    return sums;
+}
+[[maybe_unused]] inline void storeSums(float* to, EightSums sums) {
+    for (int i = 0; i < 8; ++i) {
+        to[i] = sums.v[i];
+    }
+}
+[[maybe_unused]] inline void addInTurn(EightSums& sums, const Floats (&terms)[8]) {
+    for (int i = 0; i < 8; ++i) {
+        sums.v[i] += terms[i].v;
+    }
 }
 
 #endif
