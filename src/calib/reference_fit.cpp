@@ -21,7 +21,7 @@ Plane fitDominantPlane(const cv::Mat& cloud, const Plane& previous) {
 Plane fitGrownPlane(const cv::Mat& fullCloud, const cv::Mat& regionCloud, float minPoints, const Plane& previous) {
     Plane plane = previous;
     fitPlaneLeastSquares(regionCloud, plane.normal, plane.offset, minPoints);
-    cv::Mat grownCloud = regionCloud.clone();
+    cv::Mat grownCloud = regionCloud;
     growPlaneRegion(fullCloud, computeNormalMap(fullCloud), plane.normal, grownCloud);
     fitPlaneLeastSquares(grownCloud, plane.normal, plane.offset, minPoints);
     return plane;
