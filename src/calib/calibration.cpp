@@ -30,18 +30,17 @@ cv::Rect shapedBy(const cv::Rect& inside, const cv::Size& image) {
 /// Fits by the method of the operating mode and shifts the fitted plane; the modes that do not calibrate here keep
 /// their plane and ignore the shift.
 Plane calibratedPlane(const Quorvel& ruler, const RegionCorners& corners, float shift) {
-    const Plane previous = referencePlane(ruler);
     const cv::Rect inside = insideOf(corners, ruler.calibCloud.size());
-    Plane plane = previous;
+    Plane plane = referencePlane(ruler);
     switch (ruler.productType) {
         case KIOSK:
-            plane = fitDominantPlane(ruler.calibCloud(shapedBy(inside, ruler.calibCloud.size())), previous);
+            plane = fitDominantPlane(ruler.calibCloud(shapedBy(inside, ruler.calibCloud.size())), plane);
             break;
         case GROUND_GROWING:
-            plane = fitGrownPlane(ruler.calibFullCloud, ruler.calibCloud, halfRegionArea(corners), previous);
+            plane = fitGrownPlane(ruler.calibFullCloud, ruler.calibCloud, halfRegionArea(corners), plane);
             break;
         default:
-            return previous;
+            return plane;
     }
     plane.offset += shift;
     return plane;

@@ -14,7 +14,8 @@ void writeDepthFile(const std::string& path, const cv::Mat& depth) {
     std::vector<uchar> bytes;
     cv::imencode(".tif", depth, bytes);
     std::ofstream file(path, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    const void* const content = bytes.data();
+    file.write(static_cast<const char*>(content), static_cast<std::streamsize>(bytes.size()));
 }
 
 }  // namespace quorvel::internal

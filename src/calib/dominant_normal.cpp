@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 #include "calib/dominant_normal_loops.h"
 #include "common/numbers.h"
@@ -63,11 +64,11 @@ int firstToReach(const cv::Mat& normalMap, std::int32_t count) {
 /// faster over 512 x 384.
 int mostFrequentBin(const cv::Mat& normalMap) {
     const BinCounts counts = countBins(normalMap);
-    const auto highest = std::max_element(counts.begin(), counts.end());
-    if (*highest > 0 && std::count(counts.begin(), counts.end(), *highest) > 1) {
-        return firstToReach(normalMap, *highest);
+    const std::int32_t highest = *std::max_element(counts.begin(), counts.end());
+    if (highest > 0 && std::count(counts.begin(), counts.end(), highest) > 1) {
+        return firstToReach(normalMap, highest);
     }
-    return static_cast<int>(highest - counts.begin());
+    return static_cast<int>(std::distance(counts.begin(), std::find(counts.begin(), counts.end(), highest)));
 }
 
 }  // namespace

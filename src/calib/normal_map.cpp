@@ -11,7 +11,7 @@ namespace quorvel::internal {
 cv::Mat computeNormalMap(const cv::Mat& cloud) {
     thread_local cv::Mat map;
     if (cloud.empty()) {
-        return {cloud.rows, cloud.cols, CV_32FC3};
+        return cv::Mat::zeros(cloud.rows, cloud.cols, CV_32FC3);
     }
     createExclusive(map, cloud.size(), CV_32FC3);
     const NormalMapLoops& loops = normalMapLoops();

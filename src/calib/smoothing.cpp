@@ -16,7 +16,6 @@ namespace {
 
 constexpr int kReach = 2;  // pixels on either side
 constexpr int kRows = 2 * kReach + 1;
-constexpr int kMostLanes = 8;
 
 /// Kept from one call to the next.
 struct Workspace {
@@ -31,7 +30,8 @@ int reflected(int index, int count) {
 }
 
 std::size_t roundedUp(int columns) {
-    return static_cast<std::size_t>((columns + kMostLanes - 1) / kMostLanes * kMostLanes);
+    constexpr std::size_t kLanes = 8;  // of the widest variant
+    return (static_cast<std::size_t>(columns) + kLanes - 1) / kLanes * kLanes;
 }
 
 /// Copies a row with what lies beyond its ends.

@@ -31,12 +31,12 @@ void weighColumns(const float* const* rows, int count, uint16_t* smoothed) {
     for (; i + kLanes <= count; i += kLanes) {
         storeDepths(smoothed + i, smoothedDepths(rows, i));
     }
-    uint16_t last[kLanes];
     if (i < count) {
+        uint16_t last[kLanes] = {};
         storeDepths(last, smoothedDepths(rows, i));
-    }
-    for (int lane = 0; i + lane < count; ++lane) {
-        smoothed[i + lane] = last[lane];
+        for (int lane = 0; i + lane < count; ++lane) {
+            smoothed[i + lane] = last[lane];
+        }
     }
 }
 
