@@ -33,6 +33,12 @@ inline int highestSetBit(std::uint64_t word) {
 #endif
 }
 
+/// \param count 1 ... 64
+/// \return a word with that many of its lowest bits set
+inline std::uint64_t lowestBits(int count) {
+    return ~std::uint64_t{0} >> (64 - count);
+}
+
 /// \return number of set bits, 0 ... 64
 inline int countSetBits(std::uint64_t word) {
     // Sums of 2, 4 and 8 bits side by side; the product adds the eight bytes up.

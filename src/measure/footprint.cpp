@@ -37,15 +37,16 @@ FootprintCorners minimumRectangle(const std::vector<cv::Point>& footprint) {
 /// \return a box without corners when there are fewer than 4 points
 Box findBox(const cv::Mat& cloud, const Plane& plane, const Projection& camera) {
     const PlaneBasis basis = planeBasis(plane.normal);
-    ObjectPoints object = collectObjectPoints(cloud, plane.normal, plane.offset, basis);
+    thread_local ObjectPoints object;  // for its storage
+    collectObjectPoints(cloud, plane.normal, plane.offset, basis, object);
     Box box;
-    if (object.footprint.size() < kLeastPoints) {
+    if (object.count < kLeastPoints) {
         return box;
     }
-    const FootprintCorners footprint = minimumRectangle(object.footprint);
+    const FootprintCorners footprint = minimumRectangle(object.outline);
     box.corners = boxCorners(footprint, basis, plane, object.largestDistance, camera);
-    box.sides = correctedSides(footprintSides(footprint), box.corners, object.heights.size());
-    box.rawHeight = heightQuantile(object.heights);
+    box.sides = correctedSides(footprintSides(footprint), box.corners, object.count);
+    box.rawHeight = heightQuantile(object.heights.atLeast(object.count), object.count);
     return box;
 }
 

@@ -1,28 +1,48 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "measure/height_cut.h"
 
+#include <cstdint>
+#include <vector>
+
 #include "calib/plane_model.h"
+#include "common/bit_image.h"
+#include "measure/height_cut_loops.h"
 #include "measure/points.h"
 
 namespace quorvel::internal {
+
+namespace {
+
+constexpr int kWordBits = 64;
+
+bool isHigh(const cv::Vec3f& point, const cv::Vec3f& normal, float offset, float minHeight) {
+    return isValidPoint(point) && !(signedDistance(point, normal, offset) > -minHeight);
+}
+
+}  // namespace
 
 int cutAboveReferencePlane(cv::Mat& depth, const cv::Mat& cloud, const cv::Vec3f& normal, float offset, float minHeight,
                            cv::Mat& mask) {
     if (!hasPlane(normal)) {
         return 1;
     }
+    const auto words = static_cast<std::size_t>(wordsFor(cloud.cols));
+    std::vector<std::uint64_t> bits(2 * words);
+    std::uint64_t* const high = bits.data();
+    std::uint64_t* const doubt = high + words;
     for (int row = 0; row < cloud.rows; ++row) {
+        std::fill(bits.begin(), bits.end(), 0U);
         const auto* points = cloud.ptr<cv::Vec3f>(row);
+        heightCutLoops().findHigh(cloud.ptr<float>(row), cloud.cols, {normal[0], normal[1], normal[2]}, offset,
+                                  minHeight, high, doubt);
         auto* depths = depth.ptr<ushort>(row);
         auto* marks = mask.ptr<uchar>(row);
         for (int column = 0; column < cloud.cols; ++column) {
-            const cv::Vec3f& point = points[column];
-            // Not "at most -minHeight": a NaN distance stays a candidate.
-            if (isValidPoint(point) && !(signedDistance(point, normal, offset) > -minHeight)) {
-                marks[column] = 255;
-            } else {
-                depths[column] = 0;
-            }
+            const bool inDoubt = (doubt[column / kWordBits] >> (column % kWordBits) & 1U) != 0;
+            const bool candidate = inDoubt ? isHigh(points[column], normal, offset, minHeight)
+                                           : (high[column / kWordBits] >> (column % kWordBits) & 1U) != 0;
+            marks[column] = candidate ? 255 : marks[column];
+            depths[column] = candidate ? depths[column] : ushort{0};
         }
     }
     return 0;

@@ -1,34 +1,32 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "measure/object_chain.h"
 
-#include <opencv2/imgproc.hpp>
-
 #include "measure/footprint.h"
 #include "measure/height_cut.h"
 #include "measure/object_component.h"
+#include "measure/object_window.h"
 #include "measure/surface_filter.h"
 
 namespace quorvel::internal {
 
 namespace {
 
-/// Scales the mask to the cloud's size. The interpolation leaves 255 only where a pixel lies wholly in the object.
-void scaleMask(cv::Mat& mask, const cv::Size& fullSize) {
-    cv::resize(mask, mask, fullSize, 0.0, 0.0, cv::INTER_AREA);
+/// Kept from call to call for its storage.
+cv::Mat& emptyMask(const cv::Size& size) {
+    thread_local cv::Mat mask;
+    mask.create(size, CV_8UC1);
+    mask.setTo(0);
+    return mask;
 }
 
-void clearOutsideMask(cv::Mat& cloud, const cv::Mat& mask) {
-    cloud.setTo(cv::Scalar::all(0.0), mask < 255);
-}
-
-MeasureResult footprint(const FrameImages& frame, const MeasureSettings& s) {
+MeasureResult footprint(const cv::Mat& depthSmall, const cv::Mat& object, const MeasureSettings& s) {
     const Projection& camera = s.camera;
     if (s.variant == FootprintVariant::WithoutMargin) {
-        return measureFootprintWithoutMargin(frame.depthSmall, frame.cloud, s.plane.normal, s.plane.offset, camera.cx,
-                                             camera.cy, camera.fx, camera.fy, s.downScale, s.effectiveRegion);
+        return measureFootprintWithoutMargin(depthSmall, object, s.plane.normal, s.plane.offset, camera.cx, camera.cy,
+                                             camera.fx, camera.fy, s.downScale, s.effectiveRegion);
     }
-    return measureFootprint(frame.depthSmall, frame.cloud, s.plane.normal, s.plane.offset, camera.cx, camera.cy,
-                            camera.fx, camera.fy, s.downScale, s.cameraTypeSet, s.cameraType, s.effectiveRegion);
+    return measureFootprint(depthSmall, object, s.plane.normal, s.plane.offset, camera.cx, camera.cy, camera.fx,
+                            camera.fy, s.downScale, s.cameraTypeSet, s.cameraType, s.effectiveRegion);
 }
 
 }  // namespace
@@ -40,20 +38,26 @@ bool imagesFit(const FrameImages& frame, const cv::Size& fullSize) {
            frame.cloud.type() == CV_32FC3 && frame.cloud.dims == 2 && frame.cloud.size() == fullSize;
 }
 
-int measureObject(const FrameImages& frame, const MeasureSettings& settings, MeasureResult& result) {
+int measureObject(const FrameImages& frame, const MeasureSettings& settings, MeasureResult& result, StageTimes* times) {
     const cv::Vec3f& normal = settings.plane.normal;
     const float offset = settings.plane.offset;
-    cv::Mat mask = cv::Mat::zeros(frame.depthSmall.size(), CV_8UC1);
+    StageWatch watch(times);
+    cv::Mat& mask = emptyMask(frame.depthSmall.size());
     const int cut =
         cutAboveReferencePlane(frame.depthSmall, frame.cloudSmall, normal, offset, settings.minHeight, mask);
+    watch.lap(&StageTimes::heightCut);
     const int selected = selectObjectComponent(frame.depthSmall, settings.minPixels, mask);
+    watch.lap(&StageTimes::component);
     if (cut + selected != 0) {
         return 1;
     }
-    scaleMask(mask, frame.cloud.size());
-    clearOutsideMask(frame.cloud, mask);
-    filterSurfacePoints(frame.cloud, normal, offset, mask);
-    result = footprint(frame, settings);
+    // From here on only the object's window of the cloud holds points: the stages see nothing else.
+    cv::Mat object = frame.cloud(isolateObject(mask, frame.cloud));
+    watch.lap(&StageTimes::window);
+    keepSurfacePoints(object, normal, offset);
+    watch.lap(&StageTimes::surfaceFilter);
+    result = footprint(frame.depthSmall, object, settings);
+    watch.lap(&StageTimes::footprint);
     return 0;
 }
 

@@ -7,6 +7,7 @@
 
 #include "calib/plane_model.h"
 #include "measure/box_geometry.h"
+#include "measure/stage_times.h"
 
 namespace quorvel::internal {
 
@@ -39,7 +40,9 @@ bool imagesFit(const FrameImages& frame, const cv::Size& fullSize);
 /// Measures the object in one frame: height cut, object component, mask and cloud, surface filter, footprint.
 /// \param frame images that fit together, ground already removed from the small depth
 /// \param[out] result the record; untouched on failure
+/// \param[out] times of the stages that ran; may be null
 /// \return 0, or 1 without a plane or an object
-int measureObject(const FrameImages& frame, const MeasureSettings& settings, MeasureResult& result);
+int measureObject(const FrameImages& frame, const MeasureSettings& settings, MeasureResult& result,
+                  StageTimes* times = nullptr);
 
 }  // namespace quorvel::internal

@@ -1,64 +1,180 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "measure/object_component.h"
 
-#include <cmath>
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <iostream>
 #include <limits>
+#include <optional>
 #include <vector>
 
 #include <opencv2/imgproc.hpp>
+
+#include "common/bit_image.h"
+#include "measure/object_component_loops.h"
+#include "measure/object_window.h"
+#include "measure/wrapped_labels.h"
 
 namespace quorvel::internal {
 
 namespace {
 
-struct Region {
-    int pixels = 0;
-    float distanceSum = 0.0F;
+constexpr int kWordBits = 64;
+
+/// Candidates side by side in one row.
+struct Run {
+    int row = 0;
+    int first = 0;
+    int end = 0;               ///< column behind the last
+    std::size_t region = 0;    ///< an earlier run of the same region, or itself: the region's first run in the end
+    int pixels = 0;            ///< of the region, at its first run
+    float distanceSum = 0.0F;  ///< of the region, at its first run
 };
 
-/// Pixel count and sum of distances from the middle of every label, in one pass. The pixels of a label are met in
-/// row-major order, so that its float sum has the bits of a scan of that label alone.
-std::vector<Region> describeRegions(const cv::Mat& labels, int labelCount) {
-    std::vector<Region> regions(static_cast<std::size_t>(labelCount));
-    const cv::Point middle(labels.cols / 2, labels.rows / 2);
-    for (int row = 0; row < labels.rows; ++row) {
-        const auto* labelRow = labels.ptr<ushort>(row);
-        const double dy = row - middle.y;
-        for (int column = 0; column < labels.cols; ++column) {
-            const std::size_t label = labelRow[column];
-            // More regions than 16-bit labels can name wrap around; labels beyond the count name no region.
-            if (label == 0 || label >= regions.size()) {
-                continue;
-            }
-            const double dx = column - middle.x;
-            ++regions[label].pixels;
-            regions[label].distanceSum += static_cast<float>(std::sqrt(dx * dx + dy * dy));
-        }
-    }
-    return regions;
+/// Scratch of one thread; holds nothing between calls.
+struct Workspace {
+    std::vector<std::uint64_t> bits;
+    std::vector<float> distances;
+    std::vector<Run> runs;
+};
+
+Workspace& workspace() {
+    thread_local Workspace scratch;
+    return scratch;
 }
 
-/// \return the label of the large enough region nearest the middle, 0 when there is none
-std::size_t nearestRegion(const std::vector<Region>& regions, int minPixels) {
-    float bestScore = std::numeric_limits<float>::max();
-    std::size_t best = 0;
-    for (std::size_t label = 1; label < regions.size(); ++label) {
-        const Region& region = regions[label];
+/// Position of the first bit of this value at or after a position; the row's end when there is none.
+int nextBit(const std::vector<std::uint64_t>& bits, int from, int columns, bool value) {
+    for (int column = from; column < columns;) {
+        const std::uint64_t word = bits[static_cast<std::size_t>(column / kWordBits)];
+        const std::uint64_t rest = (value ? word : ~word) >> (column % kWordBits);
+        if (rest != 0) {
+            return std::min(column + lowestSetBit(rest), columns);
+        }
+        column += kWordBits - column % kWordBits;
+    }
+    return columns;
+}
+
+std::size_t regionOf(std::vector<Run>& runs, std::size_t run) {
+    while (runs[run].region != run) {
+        runs[run].region = runs[runs[run].region].region;
+        run = runs[run].region;
+    }
+    return run;
+}
+
+void join(std::vector<Run>& runs, std::size_t a, std::size_t b) {
+    const std::size_t first = regionOf(runs, a);
+    const std::size_t other = regionOf(runs, b);
+    runs[std::max(first, other)].region = std::min(first, other);
+}
+
+/// Joins the runs of a row with those above that share a column.
+/// \param above,row,end positions of the first run above, of the row's first and behind its last
+void joinRows(std::vector<Run>& runs, std::size_t above, std::size_t row, std::size_t end) {
+    const std::size_t aboveEnd = row;
+    while (above < aboveEnd && row < end) {
+        if (runs[above].first < runs[row].end && runs[row].first < runs[above].end) {
+            join(runs, above, row);
+        }
+        if (runs[above].end < runs[row].end) {
+            ++above;
+        } else {
+            ++row;
+        }
+    }
+}
+
+/// Finds the runs in row-major order and joins those that touch. A region is named by its first run, which holds its
+/// first pixel: regions ordered by name are in the order in which a row-major scan meets them.
+void findRegions(const cv::Mat& depth, Workspace& scratch) {
+    std::vector<Run>& runs = scratch.runs;
+    runs.clear();
+    std::size_t above = 0;
+    for (int row = 0; row < depth.rows; ++row) {
+        scratch.bits.assign(static_cast<std::size_t>(wordsFor(depth.cols)), 0U);
+        objectComponentLoops().findDepths(depth.ptr<ushort>(row), depth.cols, scratch.bits.data());
+        const std::size_t rowStart = runs.size();
+        for (int first = nextBit(scratch.bits, 0, depth.cols, true); first < depth.cols;) {
+            const int end = nextBit(scratch.bits, first, depth.cols, false);
+            runs.push_back({row, first, end, runs.size(), 0, 0.0F});
+            first = nextBit(scratch.bits, end, depth.cols, true);
+        }
+        joinRows(runs, above, rowStart, runs.size());
+        above = rowStart;
+    }
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        runs[i].region = regionOf(runs, i);
+        runs[runs[i].region].pixels += runs[i].end - runs[i].first;
+    }
+}
+
+/// Adds up the distances from the middle for every large enough region: in float, pixel by pixel in row-major order.
+void measureRegions(const cv::Size& image, int minPixels, Workspace& scratch) {
+    const cv::Point middle(image.width / 2, image.height / 2);
+    std::vector<Run>& runs = scratch.runs;
+    scratch.distances.resize(static_cast<std::size_t>(wordsFor(image.width)) * kWordBits);
+    int measuredRow = -1;
+    for (const Run& run : runs) {
+        Run& region = runs[run.region];
         if (region.pixels <= minPixels) {
             continue;
         }
-        const float score = region.distanceSum / static_cast<float>(region.pixels);
+        if (run.row != measuredRow) {
+            objectComponentLoops().measureDistances(middle.x, run.row - middle.y, image.width,
+                                                    scratch.distances.data());
+            measuredRow = run.row;
+        }
+        const float* distances = scratch.distances.data();
+        for (int column = run.first; column < run.end; ++column) {
+            region.distanceSum += distances[column];
+        }
+    }
+}
+
+/// \return the large enough region nearest the middle, the first one on a tie
+std::optional<std::size_t> nearestRegion(const cv::Size& image, int minPixels, Workspace& scratch) {
+    const std::vector<Run>& runs = scratch.runs;
+    measureRegions(image, minPixels, scratch);
+    float bestScore = std::numeric_limits<float>::max();
+    std::optional<std::size_t> best;
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        if (runs[i].region != i || runs[i].pixels <= minPixels) {
+            continue;
+        }
+        const float score = runs[i].distanceSum / static_cast<float>(runs[i].pixels);
         if (bestScore > score) {
             bestScore = score;
-            best = label;
+            best = i;
         }
     }
     return best;
 }
 
-void openMask(cv::Mat& mask) {
+void clear(uchar* row, int first, int end) {
+    std::memset(row + first, 0, static_cast<std::size_t>(end - first));
+}
+
+/// Clears the mask outside a region.
+void keepRegion(const std::vector<Run>& runs, std::size_t region, cv::Mat& mask) {
+    std::size_t next = 0;
+    for (int row = 0; row < mask.rows; ++row) {
+        auto* marks = mask.ptr<uchar>(row);
+        int done = 0;
+        for (; next < runs.size() && runs[next].row == row; ++next) {
+            if (runs[next].region == region) {
+                clear(marks, done, runs[next].first);
+                done = runs[next].end;
+            }
+        }
+        clear(marks, done, mask.cols);
+    }
+}
+
+void openMask(cv::Mat mask) {
     const cv::Point centre(-1, -1);
     const cv::Scalar outside(0);
     // Isolated: the pixels around a mask that is a window of a larger image count as outside too.
@@ -67,20 +183,29 @@ void openMask(cv::Mat& mask) {
     cv::dilate(mask, mask, cv::Mat(), centre, 1, kBorder, outside);
 }
 
+/// Keeps the nearest region in the mask, if there is one.
+bool keepNearestRegion(const cv::Mat& depth, int minPixels, cv::Mat& mask) {
+    Workspace& scratch = workspace();
+    findRegions(depth, scratch);
+    if (scratch.runs.size() > kMostLabelledRuns) {
+        return keepNearestWrappedRegion(depth, minPixels, mask);
+    }
+    const std::optional<std::size_t> best = nearestRegion(depth.size(), minPixels, scratch);
+    if (best) {
+        keepRegion(scratch.runs, *best, mask);
+    }
+    return best.has_value();
+}
+
 }  // namespace
 
 int selectObjectComponent(const cv::Mat& depth, int minPixels, cv::Mat& mask) {
-    cv::Mat candidates;
-    depth.convertTo(candidates, CV_8U);
-    cv::Mat labels;
-    const int labelCount = cv::connectedComponents(candidates, labels, 4, CV_16U, cv::CCL_WU);
-    const std::size_t best = nearestRegion(describeRegions(labels, labelCount), minPixels);
-    if (best == 0) {
+    if (depth.empty() || !keepNearestRegion(depth, minPixels, mask)) {
         std::cout << "No object found." << std::endl;
         return 1;
     }
-    mask.setTo(0, labels != static_cast<double>(best));
-    openMask(mask);
+    // Everything outside the region is 0 already, so its bounding rectangle is all that the opening can change.
+    openMask(mask(withMargin(maskBounds(mask), mask.size())));
     return 0;
 }
 

@@ -2,58 +2,259 @@
 #include "measure/object_points.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <cstddef>
+#include <cstdint>
 #include <limits>
 
-#include "calib/plane_model.h"
-#include "common/numbers.h"
+#include "common/bit_image.h"
+#include "measure/object_points_loops.h"
 #include "measure/points.h"
 
 namespace quorvel::internal {
 
 namespace {
 
-constexpr double kHeightQuantile = 0.99;
+constexpr int kWordBits = 64;
+/// Coordinates up to here (mm) leave the hull's cross products within 31 bits. Footprints that reach beyond keep all
+/// points: whatever such points make of the hull, they make of it.
+constexpr int kFarthest = 16000;
+constexpr int kBuckets = 1024;
 
-float dot(const cv::Vec3f& a, const cv::Vec3f& b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+/// Scratch of one thread; holds nothing between calls.
+struct Workspace {
+    BitImage valid;
+    GrowingBuffer<float> heights;
+    GrowingBuffer<std::int32_t> feet;
+    GrowingBuffer<std::uint64_t> bits;
+};
+
+Workspace& workspace() {
+    thread_local Workspace scratch;
+    return scratch;
+}
+
+Direction direction(const cv::Vec3f& v) {
+    return {v[0], v[1], v[2]};
+}
+
+void findValidPoints(const cv::Mat& cloud, Workspace& scratch) {
+    scratch.valid.reset(cloud.rows, cloud.cols);
+    const int words = scratch.valid.wordsPerRow();
+    std::uint64_t* doubt = scratch.bits.atLeast(static_cast<std::size_t>(words));
+    for (int row = 0; row < cloud.rows; ++row) {
+        std::fill(doubt, doubt + words, std::uint64_t{0});
+        std::uint64_t* valid = scratch.valid.row(row);
+        objectPointsLoops().findPoints(cloud.ptr<float>(row), cloud.cols, valid, doubt);
+        for (int word = 0; word < words; ++word) {
+            forEachSetBit(doubt[word], [&](int bit) {
+                if (isValidPoint(cloud.ptr<cv::Vec3f>(row)[word * kWordBits + bit])) {
+                    valid[word] |= std::uint64_t{1} << bit;
+                }
+            });
+        }
+    }
+}
+
+/// The column of a row's first or last set bit; -1 without one.
+int firstColumn(const BitImage& image, int row) {
+    for (int word = 0; word < image.wordsPerRow(); ++word) {
+        if (image.row(row)[word] != 0) {
+            return word * kWordBits + lowestSetBit(image.row(row)[word]);
+        }
+    }
+    return -1;
+}
+int lastColumn(const BitImage& image, int row) {
+    for (int word = image.wordsPerRow() - 1; word >= 0; --word) {
+        if (image.row(row)[word] != 0) {
+            return word * kWordBits + highestSetBit(image.row(row)[word]);
+        }
+    }
+    return -1;
+}
+
+/// The foot of one point, as a row of them.
+cv::Point footOf(const cv::Vec3f& point, const PlaneFrame& plane) {
+    std::array<float, kWordBits> height{};
+    std::array<std::int32_t, kWordBits> u{};
+    std::array<std::int32_t, kWordBits> v{};
+    std::uint64_t inside = 0;
+    objectPointsLoops().projectRow(point.val, 1, plane, {}, {height.data(), u.data(), v.data(), &inside});
+    return {u[0], v[0]};
+}
+
+/// The points that reach farthest in eight directions, counter-clockwise, among the first and last points of the rows.
+/// \return nothing when a point lies too far away
+std::vector<cv::Point> extremePoints(const cv::Mat& cloud, const BitImage& valid, const PlaneFrame& plane) {
+    static const std::array<cv::Point, InnerPolygon::kEdges> kDirections{
+        cv::Point(1, 0),  cv::Point(1, 1),   cv::Point(0, 1),  cv::Point(-1, 1),
+        cv::Point(-1, 0), cv::Point(-1, -1), cv::Point(0, -1), cv::Point(1, -1)};
+    std::vector<cv::Point> extremes;
+    for (int row = 0; row < cloud.rows; ++row) {
+        const int first = firstColumn(valid, row);
+        if (first < 0) {
+            continue;
+        }
+        for (const int column : {first, lastColumn(valid, row)}) {
+            const cv::Point foot = footOf(cloud.at<cv::Vec3f>(row, column), plane);
+            if (foot.x < -kFarthest || foot.x > kFarthest || foot.y < -kFarthest || foot.y > kFarthest) {
+                return {};
+            }
+            extremes.resize(kDirections.size(), foot);
+            for (std::size_t k = 0; k < kDirections.size(); ++k) {
+                if (kDirections[k].dot(foot) > kDirections[k].dot(extremes[k])) {
+                    extremes[k] = foot;
+                }
+            }
+        }
+    }
+    return extremes;
+}
+
+/// The polygon with these corners, smaller by more than the rounding of the edge tests in float: their products and
+/// sums are off by less than 2^-22 of the largest value that they can have.
+InnerPolygon polygonOf(const std::vector<cv::Point>& corners) {
+    InnerPolygon polygon;
+    if (std::equal(corners.begin() + (corners.empty() ? 0 : 1), corners.end(), corners.begin())) {
+        return polygon;  // all of them are one point
+    }
+    for (std::size_t k = 0; k < corners.size(); ++k) {
+        const cv::Point& from = corners[k];
+        const cv::Point edge = corners[(k + 1) % corners.size()] - from;
+        const double a = -edge.y;
+        const double b = edge.x;
+        const double margin = (std::fabs(a) + std::fabs(b)) * kFarthest * 0x1p-20;
+        polygon.a[k] = static_cast<float>(a);
+        polygon.b[k] = static_cast<float>(b);
+        // Equal corners make no edge: 0 > -1 holds everywhere.
+        polygon.c[k] = edge == cv::Point() ? -1.0F : static_cast<float>(a * from.x + b * from.y + margin);
+        polygon.farthest = kFarthest;
+    }
+    return polygon;
+}
+
+float* append(const float* values, std::uint64_t bits, float* end) {
+    if (bits == ~std::uint64_t{0}) {
+        return std::copy(values, values + kWordBits, end);
+    }
+    forEachSetBit(bits, [&](int bit) { *end++ = values[bit]; });
+    return end;
+}
+
+/// Takes over a row's largest distance if it is larger than those before.
+void keepLargest(const cv::Vec3f* points, const float* heights, const std::uint64_t* valid, int words,
+                 const PlaneFrame& plane, float& largest) {
+    for (int word = 0; word < words; ++word) {
+        forEachSetBit(valid[word], [&](int bit) {
+            const int column = word * kWordBits + bit;
+            if (heights[column] > std::fabs(largest)) {
+                const cv::Vec3f& p = points[column];
+                largest = plane.normal.x * p[0] + plane.normal.y * p[1] + plane.normal.z * p[2] - plane.offset;
+            }
+        });
+    }
+}
+
+/// Projects every valid point.
+/// \return whether every point of the outline is near enough for the polygon to have chosen rightly
+bool projectPoints(const cv::Mat& cloud, const PlaneFrame& plane, const InnerPolygon& polygon, Workspace& scratch,
+                   ObjectPoints& object) {
+    const int words = scratch.valid.wordsPerRow();
+    const std::size_t room = static_cast<std::size_t>(words) * kWordBits;
+    std::int32_t* feet = scratch.feet.atLeast(2 * room);
+    const ProjectedRow projected{scratch.heights.atLeast(room), feet, feet + room,
+                                 scratch.bits.atLeast(static_cast<std::size_t>(words))};
+    float* const heights = object.heights.atLeast(cloud.total());
+    float* end = heights;
+    object.outline.clear();
+    object.largestDistance = 0.0F;
+    for (int row = 0; row < cloud.rows; ++row) {
+        std::fill(projected.inside, projected.inside + words, std::uint64_t{0});
+        const std::uint64_t* valid = scratch.valid.row(row);
+        const float highest =
+            objectPointsLoops().projectRow(cloud.ptr<float>(row), cloud.cols, plane, polygon, projected);
+        if (highest > std::fabs(object.largestDistance)) {
+            keepLargest(cloud.ptr<cv::Vec3f>(row), projected.heights, valid, words, plane, object.largestDistance);
+        }
+        for (int word = 0; word < words; ++word) {
+            end = append(projected.heights + std::ptrdiff_t{word} * kWordBits, valid[word], end);
+            forEachSetBit(valid[word] & ~projected.inside[word], [&](int bit) {
+                const int column = word * kWordBits + bit;
+                object.outline.emplace_back(projected.u[column], projected.v[column]);
+            });
+        }
+    }
+    object.count = static_cast<std::size_t>(end - heights);
+    return std::all_of(object.outline.begin(), object.outline.end(), [](const cv::Point& foot) {
+        return foot.x >= -kFarthest && foot.x <= kFarthest && foot.y >= -kFarthest && foot.y <= kFarthest;
+    });
+}
+
+/// The value at an index of the ascending heights, none of them NaN or infinite.
+///
+/// Buckets of equal width keep the order, so the bucket in which the index falls holds the value.
+float selectByBuckets(float* heights, std::size_t count, std::size_t index, float lowest, float scale) {
+    constexpr std::size_t kChunk = 256;
+    std::array<std::int32_t, kChunk> buckets{};
+    std::array<std::size_t, kBuckets> sizes{};
+    const auto forEachBucket = [&](auto visit) {
+        for (std::size_t i = 0; i < count; i += kChunk) {
+            const std::size_t chunk = std::min(kChunk, count - i);
+            objectPointsLoops().findBuckets(heights + i, static_cast<int>(chunk), lowest, scale, buckets.data());
+            for (std::size_t k = 0; k < chunk; ++k) {
+                visit(static_cast<std::size_t>(buckets[k]), heights[i + k]);
+            }
+        }
+    };
+    forEachBucket([&sizes](std::size_t bucket, float /*height*/) { ++sizes[bucket]; });
+    std::size_t wanted = 0;
+    std::size_t below = 0;
+    while (below + sizes[wanted] <= index) {
+        below += sizes[wanted++];
+    }
+    float* end = heights;
+    forEachBucket([&end, wanted](std::size_t bucket, float height) {
+        *end = height;
+        end += bucket == wanted ? 1 : 0;
+    });
+    float* const value = heights + (index - below);
+    std::nth_element(heights, value, end);
+    return *value;
 }
 
 }  // namespace
 
-ObjectPoints collectObjectPoints(const cv::Mat& cloud, const cv::Vec3f& normal, float offset, const PlaneBasis& basis) {
-    ObjectPoints object;
-    for (int row = 0; row < cloud.rows; ++row) {
-        const auto* points = cloud.ptr<cv::Vec3f>(row);
-        for (int column = 0; column < cloud.cols; ++column) {
-            const cv::Vec3f& point = points[column];
-            if (!isValidPoint(point)) {
-                continue;
-            }
-            const float distance = signedDistance(point, normal, offset);
-            object.heights.push_back(std::fabs(distance));
-            if (std::fabs(distance) > std::fabs(object.largestDistance)) {
-                object.largestDistance = distance;
-            }
-            const cv::Vec3f foot(point[0] - distance * normal[0], point[1] - distance * normal[1],
-                                 point[2] - distance * normal[2]);
-            object.footprint.emplace_back(truncateToInt(dot(basis.e1, foot)), truncateToInt(dot(basis.e2, foot)));
-        }
+void collectObjectPoints(const cv::Mat& cloud, const cv::Vec3f& normal, float offset, const PlaneBasis& basis,
+                         ObjectPoints& object) {
+    const PlaneFrame plane{direction(normal), offset, direction(basis.e1), direction(basis.e2)};
+    Workspace& scratch = workspace();
+    findValidPoints(cloud, scratch);
+    const InnerPolygon polygon = polygonOf(extremePoints(cloud, scratch.valid, plane));
+    if (!projectPoints(cloud, plane, polygon, scratch, object)) {
+        projectPoints(cloud, plane, {}, scratch, object);
     }
-    return object;
 }
 
-float heightQuantile(std::vector<float>& heights) {
-    const auto index = static_cast<std::ptrdiff_t>(static_cast<double>(heights.size()) * kHeightQuantile);
+float heightQuantile(float* heights, std::size_t count) {
+    constexpr double kQuantile = 0.99;
+    const auto index = static_cast<std::size_t>(static_cast<double>(count) * kQuantile);
+    float lowest = 0.0F;
+    float highest = 0.0F;
+    const bool numbers = objectPointsLoops().findRange(heights, static_cast<int>(count), &lowest, &highest);
+    // 0 when the range is infinite; infinite, or NaN, when it is next to nothing.
+    const float scale = static_cast<float>(kBuckets - 1) / (highest - lowest);
+    if (numbers && scale > 0.0F && std::isfinite(scale)) {
+        return selectByBuckets(heights, count, index, lowest, scale);
+    }
     // NaN has no place in an order; sorted to the end it cannot upset the selection among the numbers.
-    const auto numbersEnd =
-        std::partition(heights.begin(), heights.end(), [](float height) { return !std::isnan(height); });
-    if (index >= numbersEnd - heights.begin()) {
+    float* const numbersEnd =
+        std::partition(heights, heights + count, [](float height) { return !std::isnan(height); });
+    if (heights + index >= numbersEnd) {
         return std::numeric_limits<float>::quiet_NaN();
     }
-    std::nth_element(heights.begin(), heights.begin() + index, numbersEnd);
-    return heights[static_cast<std::size_t>(index)];
+    std::nth_element(heights, heights + index, numbersEnd);
+    return heights[index];
 }
 
 }  // namespace quorvel::internal

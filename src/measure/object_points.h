@@ -1,27 +1,39 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include <opencv2/core.hpp>
 
+#include "common/growing_buffer.h"
 #include "measure/plane_basis.h"
 
 namespace quorvel::internal {
 
-/// What the footprint needs of an object's points.
+/// What the footprint needs of an object's points. Kept from object to object for its storage.
 struct ObjectPoints {
-    std::vector<float> heights;        ///< distance of every point from the plane, mm
-    std::vector<cv::Point> footprint;  ///< every point on the plane, whole mm in plane coordinates
-    float largestDistance = 0.0F;      ///< signed distance of the farthest point, mm; the first of equal ones
+    GrowingBuffer<float> heights;  ///< distance of every point from the plane, in row-major order, mm
+    std::size_t count = 0;         ///< of the heights
+    /// On the plane, whole mm in plane coordinates: every point that can be a corner of the convex hull, and some more,
+    /// in row-major order.
+    std::vector<cv::Point> outline;
+    float largestDistance = 0.0F;  ///< signed distance of the farthest point, mm; the first of equal ones
 };
 
-/// Collects the valid points of a cloud in row-major order.
+/// Collects the valid points of a cloud.
+///
+/// Points that lie inside a polygon of other points are left out of the outline: they are no corners of the hull, nor
+/// on its edge, so that the hull of the outline is the hull of all, its corners in the same order. The polygon has its
+/// corners among the ends of the rows, where they are extreme in eight directions: of a box of 50000 points about 1000
+/// are left, and the minimum-area rectangle takes 0.1 instead of 3 ms.
 /// \param cloud CV_32FC3, mm
-ObjectPoints collectObjectPoints(const cv::Mat& cloud, const cv::Vec3f& normal, float offset, const PlaneBasis& basis);
+/// \param[in,out] object replaced
+void collectObjectPoints(const cv::Mat& cloud, const cv::Vec3f& normal, float offset, const PlaneBasis& basis,
+                         ObjectPoints& object);
 
-/// The value at index trunc(0.99 n) of the ascending heights, found by selection.
-/// \param heights at least one; reordered. NaN counts as larger than any number.
-float heightQuantile(std::vector<float>& heights);
+/// The value at index trunc(0.99 n) of the ascending heights.
+/// \param heights `count` of them, at least one; reordered perhaps. NaN counts as larger than any number.
+float heightQuantile(float* heights, std::size_t count);
 
 }  // namespace quorvel::internal

@@ -10,9 +10,12 @@ namespace quorvel::internal {
 /// 10 mm mean height only), and points that keep fewer than four neighbours after that. Border pixels always go.
 ///
 /// The last step works in scan order: pixels visited later see what was cleared before.
-/// \param[in,out] cloud CV_32FC3, mm; replaced by the points kept, (0, 0, 0) elsewhere
+/// \param[in,out] cloud CV_32FC3, mm; in place: the points dropped become (0, 0, 0)
 /// \param normal,offset the plane; the normal is normalised here
-/// \param[in,out] mask CV_8UC1 of the same size; replaced by 255 at the points kept, 0 elsewhere
+/// \param[out] mask CV_8UC1 of the same size: 255 at the points kept, 0 elsewhere
 void filterSurfacePoints(cv::Mat& cloud, const cv::Vec3f& normal, float offset, cv::Mat& mask);
+
+/// As above for those who need no mask.
+void keepSurfacePoints(cv::Mat& cloud, const cv::Vec3f& normal, float offset);
 
 }  // namespace quorvel::internal

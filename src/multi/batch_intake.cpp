@@ -5,6 +5,7 @@
 
 #include <quorvel/quorvel.h>
 
+#include "common/exclusive.h"
 #include "multi/batch_check.h"
 #include "ruler/back_projection.h"
 #include "ruler/scaled_down.h"
@@ -68,13 +69,13 @@ void Quorvel::deriveBatchImages() {
 }
 
 void Quorvel::makeFirstFrameCurrent() {
-    // Deep copies into fresh storage: measuring the batch writes into the buffers, and the host may hold the old
+    // Deep copies into storage of their own: measuring the batch writes into the buffers, and the host may hold the old
     // images.
-    pointCloud = pointCloudBuffer.front().clone();
-    pointCloudSmall = pointCloudSmallBuffer.front().clone();
-    colorSmall = colorSmallBuffer.front().clone();
-    depthSmall = depthSmallBuffer.front().clone();
-    pointCloudSmallCopy = pointCloudSmallCopyBuffer.front().clone();
+    copyExclusive(pointCloudBuffer.front(), pointCloud);
+    copyExclusive(pointCloudSmallBuffer.front(), pointCloudSmall);
+    copyExclusive(colorSmallBuffer.front(), colorSmall);
+    copyExclusive(depthSmallBuffer.front(), depthSmall);
+    copyExclusive(pointCloudSmallCopyBuffer.front(), pointCloudSmallCopy);
 }
 
 void Quorvel::ClearBuffer() {

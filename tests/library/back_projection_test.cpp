@@ -7,6 +7,7 @@
 
 #include "library/measure_draws.h"
 #include "library/plain/back_projection.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -45,9 +46,13 @@ TEST(BackProjection, LeavesPointsWithoutDepthAtZeroEvenWithInfiniteInverses) {
     EXPECT_TRUE(std::isnan(cloud.at<cv::Vec3f>(0, 1)[1])) << "row 0 lies on the principal point: 0 * inf";
 }
 
-TEST(BackProjection, AgreesWithThePlainFormOnRandomImages) {
+class BackProjectionLoops : public EveryLoopVariant {};
+
+INSTANTIATE_TEST_SUITE_P(Loops, BackProjectionLoops, runnableLoopVariants(), loopVariantName);
+
+TEST_P(BackProjectionLoops, AgreesWithThePlainFormOnRandomImages) {
     Draws draws(113);
-    for (int run = 0; run < 500; ++run) {
+    for (int run = 0; run < 2000; ++run) {
         cv::Mat depth = drawMatrix(draws, {draws.between(1, 40), draws.between(1, 15)}, CV_16UC1);
         const int absent = draws.chance(20) ? 100 : draws.below(50);
         for (int i = 0; i < depth.rows * depth.cols; ++i) {

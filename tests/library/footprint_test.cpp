@@ -10,6 +10,7 @@
 #include "library/measure_draws.h"
 #include "library/plain/footprint.h"
 #include "library/same_result.h"
+#include "support/loop_variants.h"
 
 namespace quorvel::test {
 
@@ -298,11 +299,15 @@ cv::Mat drawCloud(Draws& draws, const FootprintInput& input) {
     return cloud;
 }
 
-TEST(Footprint, AgreesWithThePlainFormOnRandomClouds) {
+class FootprintLoops : public EveryLoopVariant {};
+
+INSTANTIATE_TEST_SUITE_P(Loops, FootprintLoops, runnableLoopVariants(), loopVariantName);
+
+TEST_P(FootprintLoops, AgreesWithThePlainFormOnRandomClouds) {
     Draws draws(110);
     int measured = 0;
     int outOfView = 0;
-    for (int run = 0; run < 1200; ++run) {
+    for (int run = 0; run < 2000; ++run) {
         const FootprintInput input = drawInput(draws);
         const cv::Mat cloud = drawCloud(draws, input);
         const cv::Mat before = cloud.clone();
@@ -318,7 +323,7 @@ TEST(Footprint, AgreesWithThePlainFormOnRandomClouds) {
     EXPECT_GT(outOfView, 50) << "and boxes out of view";
 }
 
-TEST(Footprint, AgreesWithThePlainFormOnLargeClouds) {
+TEST_P(FootprintLoops, AgreesWithThePlainFormOnLargeClouds) {
     Draws draws(111);
     FootprintInput input = straightCamera();
     input.effectiveRegion = {0, 0, 640, 480};

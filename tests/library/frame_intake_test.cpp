@@ -13,6 +13,7 @@
 #include "library/frame_draws.h"
 #include "library/plain/back_projection.h"
 #include "support/captured_output.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -99,9 +100,13 @@ TEST(FrameIntake, TakesAFrameWithoutAnyDepth) {
     EXPECT_EQ(cv::countNonZero(ruler.pointCloudSmall.reshape(1)), 0);
 }
 
-TEST(FrameIntake, AgreesWithThePlainFormForRandomFrames) {
+class FrameIntakeLoops : public EveryLoopVariant {};
+
+INSTANTIATE_TEST_SUITE_P(Loops, FrameIntakeLoops, runnableLoopVariants(), loopVariantName);
+
+TEST_P(FrameIntakeLoops, AgreesWithThePlainFormForRandomFrames) {
     Draws draws(114);
-    for (int run = 0; run < 120; ++run) {
+    for (int run = 0; run < 1000; ++run) {
         const cv::Size size(draws.between(4, 70), draws.between(4, 50));
         Quorvel ruler(draws.real(20, 90), draws.real(20, 90), draws.real(0, 60), draws.real(0, 40), size.width,
                       size.height, false, "");

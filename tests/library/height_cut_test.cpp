@@ -7,6 +7,7 @@
 
 #include "library/measure_draws.h"
 #include "library/plain/height_cut.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -138,9 +139,13 @@ CutImages drawImages(Draws& draws) {
     return images;
 }
 
-TEST(HeightCut, AgreesWithThePlainFormOnRandomImages) {
+class HeightCutLoops : public EveryLoopVariant {};
+
+INSTANTIATE_TEST_SUITE_P(Loops, HeightCutLoops, runnableLoopVariants(), loopVariantName);
+
+TEST_P(HeightCutLoops, AgreesWithThePlainFormOnRandomImages) {
     Draws draws(101);
-    for (int run = 0; run < 800; ++run) {
+    for (int run = 0; run < 2000; ++run) {
         CutImages images = drawImages(draws);
         const cv::Vec3f normal = draws.chance(4) ? cv::Vec3f(0, 0, 0) : drawNormal(draws);
         const float offset = draws.chance(40) ? 1000.0F : draws.real(900, 1100);

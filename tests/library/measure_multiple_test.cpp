@@ -16,6 +16,7 @@
 #include "library/plain/batch.h"
 #include "library/same_ruler.h"
 #include "support/captured_output.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -442,7 +443,11 @@ void drawState(Draws& draws, const DepthScene& scene, Quorvel& ruler) {
     ruler.effectiveRegion = draws.chance(80) ? cv::Rect(cv::Point(0, 0), scene.size) : cv::Rect(10, 10, 30, 20);
 }
 
-TEST(MeasureMultiple, AgreesWithThePlainFormInRandomStates) {
+class MeasureMultipleLoops : public EveryLoopVariant {};
+
+INSTANTIATE_TEST_SUITE_P(Loops, MeasureMultipleLoops, runnableLoopVariants(), loopVariantName);
+
+TEST_P(MeasureMultipleLoops, AgreesWithThePlainFormInRandomStates) {
     Draws draws(420);
     std::array<int, 2> measured{};
     for (int run = 0; run < 300; ++run) {

@@ -14,6 +14,7 @@
 #include "library/plain/object_chain.h"
 #include "library/same_result.h"
 #include "support/captured_output.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -386,10 +387,14 @@ void drawState(Draws& draws, const DepthScene& scene, Quorvel& ruler) {
     }
 }
 
-TEST(MeasureOnce, AgreesWithThePlainFormInRandomStates) {
+class MeasureOnceLoops : public EveryLoopVariant {};
+
+INSTANTIATE_TEST_SUITE_P(Loops, MeasureOnceLoops, runnableLoopVariants(), loopVariantName);
+
+TEST_P(MeasureOnceLoops, AgreesWithThePlainFormInRandomStates) {
     Draws draws(116);
     int measured = 0;
-    for (int run = 0; run < 300; ++run) {
+    for (int run = 0; run < 2000; ++run) {
         const DepthScene scene = drawScene(draws);
         Quorvel ruler = scene.ruler();
         ruler.downScale = draws.chance(70) ? 4 : draws.between(1, 5);
@@ -411,7 +416,7 @@ TEST(MeasureOnce, AgreesWithThePlainFormInRandomStates) {
             measured += ruler.result.inView ? 1 : 0;
         }
     }
-    EXPECT_GT(measured, 60) << "the random scenes must exercise measurements";
+    EXPECT_GT(measured, 400) << "the random scenes must exercise measurements";
 }
 
 }  // namespace

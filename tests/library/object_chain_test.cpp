@@ -10,6 +10,7 @@
 #include "library/plain/object_chain.h"
 #include "library/same_result.h"
 #include "support/captured_output.h"
+#include "support/loop_variants.h"
 
 namespace quorvel::test {
 
@@ -173,10 +174,14 @@ TEST(ObjectChain, KeepsOnlyPixelsWhollyInsideTheMask) {
     EXPECT_TRUE(sameBits(frame.cloud, plainFrame.cloud));
 }
 
-TEST(ObjectChain, AgreesWithThePlainFormOnRandomScenes) {
+class ObjectChainLoops : public EveryLoopVariant {};
+
+INSTANTIATE_TEST_SUITE_P(Loops, ObjectChainLoops, runnableLoopVariants(), loopVariantName);
+
+TEST_P(ObjectChainLoops, AgreesWithThePlainFormOnRandomScenes) {
     Draws draws(112);
     std::array<int, 3> outcomes{};
-    for (int run = 0; run < 300; ++run) {
+    for (int run = 0; run < 2000; ++run) {
         const DepthScene scene = drawScene(draws);
         const int downScale = draws.between(1, 5);
         internal::MeasureSettings settings = settingsFor(scene, downScale);
@@ -204,9 +209,9 @@ TEST(ObjectChain, AgreesWithThePlainFormOnRandomScenes) {
         ASSERT_TRUE(sameBits(frame.cloud, plainFrame.cloud)) << "full cloud, run " << run;
         ++outcomes[status == 1 ? 0U : (expected.inView ? 2U : 1U)];
     }
-    EXPECT_GT(outcomes[0], 20) << "scenes without object";
-    EXPECT_GT(outcomes[1], 20) << "scenes with an object that is not in view or has no box";
-    EXPECT_GT(outcomes[2], 60) << "scenes with an object in view";
+    EXPECT_GT(outcomes[0], 120) << "scenes without object";
+    EXPECT_GT(outcomes[1], 120) << "scenes with an object that is not in view or has no box";
+    EXPECT_GT(outcomes[2], 400) << "scenes with an object in view";
 }
 
 struct Fit {

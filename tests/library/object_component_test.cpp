@@ -11,6 +11,7 @@
 #include "library/measure_draws.h"
 #include "library/plain/object_component.h"
 #include "support/captured_output.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -227,9 +228,13 @@ TEST(ObjectComponent, TakesWhatSurroundsAWindowAsOutside) {
     EXPECT_TRUE(sameBits(window, alone));
 }
 
-TEST(ObjectComponent, AgreesWithThePlainFormOnRandomImages) {
+class ObjectComponentLoops : public EveryLoopVariant {};
+
+INSTANTIATE_TEST_SUITE_P(Loops, ObjectComponentLoops, runnableLoopVariants(), loopVariantName);
+
+TEST_P(ObjectComponentLoops, AgreesWithThePlainFormOnRandomImages) {
     Draws draws(103);
-    for (int run = 0; run < 1500; ++run) {
+    for (int run = 0; run < 2000; ++run) {
         const cv::Mat depth = drawDepth(draws);
         const int minPixels = draws.chance(70) ? draws.below(12) : draws.between(-2, 200);
         cv::Mat mask = maskOf(depth);

@@ -13,6 +13,7 @@
 #include "library/same_result.h"
 #include "sim/render.h"
 #include "support/captured_output.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 #include "support/working_directory.h"
 
@@ -102,13 +103,19 @@ void compareForms(unsigned seed, ProductType mode, Outcomes& outcomes) {
     plain.pointCloud = fast.pointCloud.clone();
 
     const CapturedOutput silence;
-    const int status = fast.measureOnce();
-    ASSERT_EQ(plain::measureOnce(plain), status) << scene.name;
-    EXPECT_TRUE(sameResult(fast.result, plain.result)) << scene.name;
-    EXPECT_TRUE(sameBits(fast.depthSmall, plain.depthSmall)) << scene.name;
-    EXPECT_TRUE(sameBits(fast.pointCloud, plain.pointCloud)) << scene.name;
-    EXPECT_TRUE(sameBits(fast.minObjectHeight, plain.minObjectHeight)) << scene.name;
-    ++(status != 0 ? outcomes.failed : fast.result.corners.empty() ? outcomes.empty : outcomes.measured);
+    const int status = plain::measureOnce(plain);
+    for (const internal::LoopVariant variant : internal::runnableLoopVariants()) {
+        const LoopVariantInUse inUse(variant);
+        Quorvel ruler = fast;
+        ruler.depthSmall = fast.depthSmall.clone();
+        ruler.pointCloud = fast.pointCloud.clone();
+        ASSERT_EQ(ruler.measureOnce(), status) << scene.name << ", " << nameOf(variant);
+        EXPECT_TRUE(sameResult(ruler.result, plain.result)) << scene.name << ", " << nameOf(variant);
+        EXPECT_TRUE(sameBits(ruler.depthSmall, plain.depthSmall)) << scene.name << ", " << nameOf(variant);
+        EXPECT_TRUE(sameBits(ruler.pointCloud, plain.pointCloud)) << scene.name << ", " << nameOf(variant);
+        EXPECT_TRUE(sameBits(ruler.minObjectHeight, plain.minObjectHeight)) << scene.name << ", " << nameOf(variant);
+    }
+    ++(status != 0 ? outcomes.failed : plain.result.corners.empty() ? outcomes.empty : outcomes.measured);
 }
 
 class WholeRoadBits : public ::testing::TestWithParam<ProductType> {};

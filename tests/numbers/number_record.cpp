@@ -27,6 +27,7 @@
 #include "sim/presets.h"
 #include "sim/render.h"
 #include "support/captured_output.h"
+#include "support/loop_variant_name.h"
 #include "support/working_directory.h"
 
 namespace quorvel::test {
@@ -228,6 +229,7 @@ int run(const std::vector<const char*>& arguments) {
 
 int main(int argc, char** argv) {
     try {
+        std::cout << "pixel loops: " << quorvel::test::nameOf(quorvel::internal::loopVariant()) << '\n';
         return quorvel::test::run({argv + 1, argv + argc});
     } catch (const std::exception& error) {
         std::cerr << "number_record: " << error.what() << '\n';

@@ -1,33 +1,50 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "common/loop_variant.h"
+#include "support/loop_variant_name.h"
 
 namespace quorvel::test {
 
-/// Puts the loop variant back that was in use before.
-class KeptLoopVariant {
+/// Makes the library use one variant of its pixel loops for as long as the value lives.
+class LoopVariantInUse {
 public:
-    KeptLoopVariant() = default;
-    ~KeptLoopVariant() { internal::useLoopVariant(before_); }
-    KeptLoopVariant(const KeptLoopVariant&) = delete;
-    KeptLoopVariant& operator=(const KeptLoopVariant&) = delete;
+    explicit LoopVariantInUse(internal::LoopVariant variant) : before_(internal::loopVariant()) {
+        internal::useLoopVariant(variant);
+    }
+    ~LoopVariantInUse() { internal::useLoopVariant(before_); }
+    LoopVariantInUse(const LoopVariantInUse&) = delete;
+    LoopVariantInUse& operator=(const LoopVariantInUse&) = delete;
 
 private:
-    internal::LoopVariant before_ = internal::loopVariant();
+    internal::LoopVariant before_;
 };
 
-/// Calls `test()` once with every variant that this machine can run.
+/// Calls `test()` once with every variant of the pixel loops that this machine can run.
 template <typename Test>
 void forEachLoopVariant(Test test) {
-    const KeptLoopVariant kept;
     for (const internal::LoopVariant variant : internal::runnableLoopVariants()) {
-        SCOPED_TRACE(::testing::Message() << "loop variant " << static_cast<int>(variant));
-        internal::useLoopVariant(variant);
+        SCOPED_TRACE(nameOf(variant));
+        const LoopVariantInUse inUse(variant);
         test();
     }
+}
+
+/// For tests that are repeated with every variant of the pixel loops that this machine can run.
+class EveryLoopVariant : public ::testing::TestWithParam<internal::LoopVariant> {
+    LoopVariantInUse inUse_{GetParam()};
+};
+
+/// Goes into INSTANTIATE_TEST_SUITE_P of such a test suite.
+inline auto runnableLoopVariants() {
+    return ::testing::ValuesIn(internal::runnableLoopVariants());
+}
+inline std::string loopVariantName(const ::testing::TestParamInfo<internal::LoopVariant>& info) {
+    return nameOf(info.param);
 }
 
 }  // namespace quorvel::test

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <opencv2/core.hpp>
+
+namespace quorvel::internal {
+
+/// \return the smallest rectangle around the pixels that are not 0; empty without any. OpenCV 4.6's boundingRect loses
+/// the
+///         last columns of some narrow masks.
+cv::Rect maskBounds(const cv::Mat& mask);
+
+/// \return a rectangle with a margin of one pixel, as far as the image allows; with an empty rectangle, the image's
+/// first
+///         pixel
+cv::Rect withMargin(const cv::Rect& rectangle, const cv::Size& image);
+
+/// Brings the object's mask to full size, clears every point of the cloud that does not lie wholly in it, and tells
+/// where the rest of the points are.
+///
+/// The mask grows by area interpolation, which leaves 255 only where a pixel lies wholly in the object.
+/// \param mask CV_8UC1, small size
+/// \param[in,out] cloud CV_32FC3, full size, mm
+/// \return a rectangle of the cloud with all points that are left, and where the image allows with a margin of one
+///         pixel without points: stages that look at a point's neighbours find in it all there are
+cv::Rect isolateObject(const cv::Mat& mask, cv::Mat& cloud);
+
+}  // namespace quorvel::internal

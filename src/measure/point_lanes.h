@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+// Points side by side, for the pixel loops; see common/lanes.h.
+#pragma once
+
+#include "common/lanes.h"
+#include "measure/direction.h"
+
+namespace quorvel::internal::QUORVEL_VARIANT {
+
+namespace {
+
+/// A point with a coordinate of this size (mm) is longer than the 1e-9 mm below which it is no point, whatever the
+/// rounding of its length.
+constexpr float kSurelyAPoint = 1e-8F;
+
+struct Points {
+    Floats x;
+    Floats y;
+    Floats z;
+};
+
+[[maybe_unused]] inline Points allOf(Direction direction) {
+    return {all(direction.x), all(direction.y), all(direction.z)};
+}
+
+/// Takes up to kLanes points; what is missing is (0, 0, 0).
+[[maybe_unused]] inline Points loadSome(const float* from, int count) {
+    Points p{};
+    if (count >= kLanes) {
+        loadPoints(from, p.x, p.y, p.z);
+        return p;
+    }
+    float rest[3 * kLanes] = {};
+    for (int i = 0; i < 3 * count; ++i) {
+        rest[i] = from[i];
+    }
+    loadPoints(rest, p.x, p.y, p.z);
+    return p;
+}
+
+/// Whether not all three coordinates are 0; NaN is not 0.
+[[maybe_unused]] inline Mask isPresent(const Points& p) {
+    return anyBits(anyBits(p.x, p.y), p.z) != all(0.0F);
+}
+
+/// Whether the point is a point without doubt; where it is not, it may be one if it is present.
+[[maybe_unused]] inline Mask isSurelyValid(const Points& p) {
+    const Floats limit = all(kSurelyAPoint);
+    return (absolute(p.x) >= limit) | (absolute(p.y) >= limit) | (absolute(p.z) >= limit);
+}
+
+/// n . p - offset, left to right.
+[[maybe_unused]] inline Floats signedDistance(const Points& p, const Points& normal, Floats offset) {
+    return normal.x * p.x + normal.y * p.y + normal.z * p.z - offset;
+}
+
+}  // namespace
+
+}  // namespace quorvel::internal::QUORVEL_VARIANT
