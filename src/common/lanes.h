@@ -197,13 +197,6 @@ template <int Bits>
         half(_mm256_extractf128_ps(x.v, 1), _mm256_extractf128_ps(y.v, 1), _mm256_extractf128_ps(z.v, 1));
     return {_mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1)};
 }
-/// a times a double factor, in double, rounded to float.
-[[maybe_unused]] inline Floats timesInDouble(Floats a, double factor) {
-    const __m256d f = _mm256_set1_pd(factor);
-    const __m128 low = _mm256_cvtpd_ps(_mm256_mul_pd(_mm256_cvtps_pd(_mm256_castps256_ps128(a.v)), f));
-    const __m128 high = _mm256_cvtpd_ps(_mm256_mul_pd(_mm256_cvtps_pd(_mm256_extractf128_ps(a.v, 1)), f));
-    return {_mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1)};
-}
 
 /// Eight running sums.
 struct EightSums {
@@ -395,12 +388,6 @@ template <int Bits>
     const __m128 high = half(_mm_movehl_ps(x.v, x.v), _mm_movehl_ps(y.v, y.v), _mm_movehl_ps(z.v, z.v));
     return {_mm_movelh_ps(low, high)};
 }
-[[maybe_unused]] inline Floats timesInDouble(Floats a, double factor) {
-    const __m128d f = _mm_set1_pd(factor);
-    const __m128 low = _mm_cvtpd_ps(_mm_mul_pd(_mm_cvtps_pd(a.v), f));
-    const __m128 high = _mm_cvtpd_ps(_mm_mul_pd(_mm_cvtps_pd(_mm_movehl_ps(a.v, a.v)), f));
-    return {_mm_movelh_ps(low, high)};
-}
 
 struct EightSums {
     __m128 first;
@@ -562,9 +549,6 @@ template <int Bits>
     const double q = static_cast<double>(y.v);
     const double r = static_cast<double>(z.v);
     return {static_cast<float>(sqrt(p * p + q * q + r * r))};
-}
-[[maybe_unused]] inline Floats timesInDouble(Floats a, double factor) {
-    return {static_cast<float>(static_cast<double>(a.v) * factor)};
 }
 
 struct EightSums {
