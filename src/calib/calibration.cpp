@@ -3,11 +3,12 @@
 #include <iostream>
 #include <string>
 
+#include <opencv2/imgcodecs.hpp>
+
 #include <quorvel/quorvel.h>
 
 #include "calib/calibration_file.h"
 #include "calib/calibration_region.h"
-#include "calib/depth_file.h"
 #include "calib/reference_fit.h"
 #include "calib/smoothing.h"
 #include "common/text_file.h"
@@ -70,7 +71,7 @@ int Quorvel::calibRef(float& t, float offset) {
     }
     ensureFolder(paramDir);
     writeCalibrationFile(calFilePath, plane);
-    writeDepthFile(paramDir + "/depth.tif", depthImage);
+    cv::imwrite(paramDir + "/depth.tif", depthImage);
     calibStatus = true;
     cameraHeight = plane.offset;
     t = plane.offset;
