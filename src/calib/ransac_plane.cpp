@@ -182,8 +182,9 @@ std::vector<float> listOf(const Distances& distances, const Candidates& candidat
 }
 
 /// The value of selectKth, which for numbers is the order statistic: its two scans meet at index k at the latest,
-/// where the pivot is, so that no swap crosses them and what a step cuts off lies on one side of the value sought. In
-/// an order without NaN the same value is found ten times faster among the few distances beyond a guess.
+/// where the pivot is, so that no swap crosses them and what a step cuts off lies on one side of the value sought.
+/// Without NaN the same value is found among the few distances beyond a guess, and the others are only compared with
+/// it. It may be +0 instead of -0, which no later step tells apart.
 float floorDistance(const Distances& distances, const Candidates& candidates, Workspace& workspace) {
     if (distances.finite) {
         const std::optional<float> floor = floorBeyondGuess(distances, candidates.count, workspace);
@@ -249,7 +250,7 @@ NormalBand bandAround(const cv::Vec3f& normal) {
 }  // namespace
 
 // The lists of pixels are images of bits, tested eight pixels at a time; the sums run in the order of the pixels, as
-// they would over a list. Five times faster than lists over 512 x 384.
+// they would over a list. Four times faster than lists over 512 x 384.
 int ransacFitPlane(const cv::Mat& cloud, const cv::Mat& normalMap, const cv::Vec3f& bin, cv::Vec3f& normal,
                    float& offset) {
     thread_local Workspace workspace;
