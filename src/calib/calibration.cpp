@@ -10,6 +10,7 @@
 #include "calib/calibration_file.h"
 #include "calib/calibration_region.h"
 #include "calib/reference_fit.h"
+#include "calib/smoothing.h"
 #include "common/text_file.h"
 #include "ruler/back_projection.h"
 #include "ruler/frame_check.h"
@@ -19,20 +20,28 @@ using namespace quorvel::internal;
 
 namespace {
 
+/// \return the part of an image that holds a region's points and what shapes the normals of every pixel that is not
+///         empty and surrounded by empty ones: two pixels more on the left and above, one on the right and below,
+///         because a normal takes in the right and the lower neighbour and the outermost pixels have none
+cv::Rect shapedBy(const cv::Rect& inside, const cv::Size& image) {
+    const cv::Rect grown(inside.x - 2, inside.y - 2, inside.width + 3, inside.height + 3);
+    return inside.empty() ? cv::Rect() : grown & cv::Rect({0, 0}, image);
+}
+
 /// Fits by the method of the operating mode and shifts the fitted plane; the modes that do not calibrate here keep
 /// their plane and ignore the shift.
-Plane calibratedPlane(int productType, const cv::Mat& fullCloud, const cv::Mat& regionCloud, float minPoints,
-                      const Plane& previous, float shift) {
-    Plane plane = previous;
-    switch (productType) {
+Plane calibratedPlane(const Quorvel& ruler, const RegionCorners& corners, float shift) {
+    const cv::Rect inside = insideOf(corners, ruler.calibCloud.size());
+    Plane plane = referencePlane(ruler);
+    switch (ruler.productType) {
         case KIOSK:
-            plane = fitDominantPlane(regionCloud, previous);
+            plane = fitDominantPlane(ruler.calibCloud(shapedBy(inside, ruler.calibCloud.size())), plane);
             break;
         case GROUND_GROWING:
-            plane = fitGrownPlane(fullCloud, regionCloud, minPoints, previous);
+            plane = fitGrownPlane(ruler.calibFullCloud, ruler.calibCloud, halfRegionArea(corners), plane);
             break;
         default:
-            return previous;
+            return plane;
     }
     plane.offset += shift;
     return plane;
@@ -53,10 +62,9 @@ int Quorvel::calibRef(float& t, float offset) {
     }
     const RegionCorners corners = regionCorners(calibrationRoI);
     std::copy(corners.begin(), corners.end(), calibPoints);
-    calibFullCloud = backProject(smoothDepth(depthImage), {cx, cy, invFx, invFy});
-    calibCloud = pointsInsideRegion(calibFullCloud, corners);
-    const Plane plane = calibratedPlane(productType, calibFullCloud, calibCloud, halfRegionArea(corners),
-                                        referencePlane(*this), offset);
+    backProject(smoothDepth(depthImage), {cx, cy, invFx, invFy}, calibFullCloud);
+    pointsInsideRegion(calibFullCloud, corners, calibCloud);
+    const Plane plane = calibratedPlane(*this, corners, offset);
     adoptPlane(*this, plane);
     if (debugMode) {
         printPlane(plane);

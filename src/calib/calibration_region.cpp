@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "calib/calibration_region_loops.h"
+#include "common/exclusive.h"
 #include "common/numbers.h"
 
 namespace quorvel::internal {
@@ -34,20 +36,25 @@ RegionCorners regionCorners(const cv::Rect& region) {
     return {cv::Point(left, top), cv::Point(left, bottom), cv::Point(right, top)};
 }
 
-cv::Mat pointsInsideRegion(const cv::Mat& cloud, const RegionCorners& corners) {
-    cv::Mat inside = cv::Mat::zeros(cloud.size(), CV_32FC3);
-    const cv::Range rows = strictlyBetween(corners[0].y, corners[1].y, cloud.rows);
-    const cv::Range columns = strictlyBetween(corners[0].x, corners[2].x, cloud.cols);
-    for (int row = rows.start; row < rows.end; ++row) {
-        const auto* from = cloud.ptr<cv::Vec3f>(row);
+cv::Rect insideOf(const RegionCorners& corners, const cv::Size& image) {
+    const cv::Range rows = strictlyBetween(corners[0].y, corners[1].y, image.height);
+    const cv::Range columns = strictlyBetween(corners[0].x, corners[2].x, image.width);
+    return {columns.start, rows.start, columns.size(), rows.size()};
+}
+
+void pointsInsideRegion(const cv::Mat& cloud, const RegionCorners& corners, cv::Mat& inside) {
+    createExclusive(inside, cloud.size(), CV_32FC3);
+    const cv::Rect region = insideOf(corners, cloud.size());
+    const CalibrationRegionLoops& loops = calibrationRegionLoops();
+    for (int row = 0; row < cloud.rows; ++row) {
         auto* to = inside.ptr<cv::Vec3f>(row);
-        for (int column = columns.start; column < columns.end; ++column) {
-            if (std::fabs(from[column][2]) > 0.0F) {
-                to[column] = from[column];
-            }
-        }
+        const bool between = row >= region.y && row < region.y + region.height;
+        const int first = between ? region.x : 0;
+        const int end = between ? region.x + region.width : 0;
+        std::fill(to, to + first, cv::Vec3f());
+        loops.copyPresent(cloud.ptr<float>(row) + 3 * first, end - first, inside.ptr<float>(row) + 3 * first);
+        std::fill(to + end, to + cloud.cols, cv::Vec3f());
     }
-    return inside;
 }
 
 float halfRegionArea(const RegionCorners& corners) {

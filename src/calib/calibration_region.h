@@ -15,11 +15,16 @@ using RegionCorners = std::array<cv::Point, 3>;
 ///         INT_MIN where int cannot hold it
 RegionCorners regionCorners(const cv::Rect& region);
 
-/// Copies the points strictly inside a region. For a rectangle of positive size that is x < u < x + width and
-/// y < v < y + height: the first row and column are left out and the last ones kept, deliberately asymmetric.
-/// \param cloud CV_32FC3, mm
-/// \return CV_32FC3 of the cloud's size, (0, 0, 0) outside the region and where the cloud's z is 0
-cv::Mat pointsInsideRegion(const cv::Mat& cloud, const RegionCorners& corners);
+/// \return the pixels of an image strictly inside a region. For a rectangle of positive size that is x < u < x + width
+///         and y < v < y + height: the first row and column are left out and the last ones kept, deliberately
+///         asymmetric.
+cv::Rect insideOf(const RegionCorners& corners, const cv::Size& image);
+
+/// Copies the points strictly inside a region.
+/// \param cloud CV_32FC3, mm, not empty
+/// \param[out] inside CV_32FC3 of the cloud's size, (0, 0, 0) outside the region and where the cloud's z is 0 or no
+///             number; its storage is kept when it fits and nobody else holds it
+void pointsInsideRegion(const cv::Mat& cloud, const RegionCorners& corners, cv::Mat& inside);
 
 /// \return half the region's area in pixels: the fewest points a least-squares fit accepts
 float halfRegionArea(const RegionCorners& corners);

@@ -1,47 +1,92 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "calib/draw_pool.h"
 
-#include <utility>
+#include <algorithm>
+
+#include "common/bits.h"
 
 namespace quorvel::internal {
 
 namespace {
 
-std::size_t lowestBit(std::size_t value) {
-    return value & (~value + 1);
+constexpr std::uint64_t kEveryByte = 0x0101010101010101U;
+constexpr std::uint64_t kTopBits = 0x8080808080808080U;
+constexpr int kByteBits = 8;
+
+/// \param k 0 ... number of set bits - 1
+/// \return the k-th lowest set bit of a word, alone
+std::uint64_t kthSetBit(std::uint64_t word, int k) {
+    // Counts of two, four and eight bits; the product makes byte i the count of bytes 0 ... i.
+    std::uint64_t counts = word - ((word >> 1) & 0x5555555555555555U);
+    counts = (counts & 0x3333333333333333U) + ((counts >> 2) & 0x3333333333333333U);
+    counts = ((counts + (counts >> 4)) & 0x0F0F0F0F0F0F0F0FU) * kEveryByte;
+    // A byte keeps its top bit where its count is k or less: the bit is above it. No byte borrows from the next.
+    const std::uint64_t passed = ((static_cast<std::uint64_t>(k) * kEveryByte | kTopBits) - counts) & kTopBits;
+    const auto shift = static_cast<int>(((passed >> (kByteBits - 1)) * kEveryByte) >> 56) * kByteBits;
+    const auto before = static_cast<int>(((counts << kByteBits) >> shift) & 0xFFU);
+    std::uint64_t rest = word >> shift;
+    for (int i = before; i < k; ++i) {
+        rest &= rest - 1;
+    }
+    return (rest & (~rest + 1)) << shift;
+}
+
+std::size_t groupsOf(std::size_t size, std::size_t count) {
+    return (count + size - 1) / size;
 }
 
 }  // namespace
 
-DrawPool::DrawPool(std::vector<cv::Point> pixels)
-    : pixels_(std::move(pixels)), tree_(pixels_.size() + 1), left_(pixels_.size()) {
-    for (std::size_t i = 1; i < tree_.size(); ++i) {
-        tree_[i] = static_cast<int>(lowestBit(i));
+void DrawPool::fill(const BitImage& pixels) {
+    const auto words = static_cast<std::size_t>(pixels.rows()) * static_cast<std::size_t>(pixels.wordsPerRow());
+    const std::size_t rounded = groupsOf(kFanOut, words) * kFanOut;
+    wordsPerRow_ = pixels.wordsPerRow();
+    words_ = wordStorage_.atLeast(rounded);
+    // A seventh of the words and a group a level hold all the sums.
+    counts_[0] = countStorage_.atLeast(rounded + rounded / (kFanOut - 1) + kFanOut * kMostLevels);
+    sizes_[0] = rounded;
+    left_ = 0;
+    for (std::size_t i = 0; i < words; ++i) {
+        words_[i] = pixels.row(0)[i];
+        counts_[0][i] = countSetBits(words_[i]);
+        left_ += static_cast<std::size_t>(counts_[0][i]);
     }
-    while (topStep_ * 2 < tree_.size()) {
-        topStep_ *= 2;
+    std::fill(counts_[0] + words, counts_[0] + rounded, 0);
+    for (levels_ = 1; sizes_[levels_ - 1] > kFanOut;) {
+        addLevel();
     }
 }
 
-cv::Point DrawPool::take(std::size_t position) {
-    // Descends to the last node before the entry, counting off the entries left on the way; every node that is not
-    // stepped over covers the entry and loses one.
-    auto toSkip = static_cast<int>(position);
-    std::size_t before = 0;
-    for (std::size_t step = topStep_; step > 0; step /= 2) {
-        const std::size_t node = before + step;
-        if (node >= tree_.size()) {
-            continue;
-        }
-        if (tree_[node] <= toSkip) {
-            toSkip -= tree_[node];
-            before = node;
-        } else {
-            --tree_[node];
-        }
+void DrawPool::addLevel() {
+    const std::int32_t* below = counts_[levels_ - 1];
+    const std::size_t groups = sizes_[levels_ - 1] / kFanOut;
+    const std::size_t rounded = groupsOf(kFanOut, groups) * kFanOut;
+    std::int32_t* const sums = counts_[levels_ - 1] + sizes_[levels_ - 1];
+    for (std::size_t i = 0; i < groups; ++i, below += kFanOut) {
+        sums[i] = (below[0] + below[1] + below[2] + below[3]) + (below[4] + below[5] + below[6] + below[7]);
     }
+    std::fill(sums + groups, sums + rounded, 0);
+    counts_[levels_] = sums;
+    sizes_[levels_] = rounded;
+    ++levels_;
+}
+
+cv::Point DrawPool::take(std::size_t position) {
+    auto toSkip = static_cast<std::int32_t>(position);
+    std::size_t index = 0;
+    for (std::size_t level = levels_; level-- > 0;) {
+        std::int32_t* const counts = counts_[level];
+        index *= kFanOut;
+        for (; toSkip >= counts[index]; ++index) {
+            toSkip -= counts[index];
+        }
+        --counts[index];
+    }
+    const std::uint64_t bit = kthSetBit(words_[index], toSkip);
+    words_[index] ^= bit;
     --left_;
-    return pixels_[before];
+    const auto word = static_cast<int>(index);
+    return {word % wordsPerRow_ * 64 + lowestSetBit(bit), word / wordsPerRow_};
 }
 
 }  // namespace quorvel::internal

@@ -1,21 +1,26 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <array>
 #include <cstddef>
-#include <vector>
+#include <cstdint>
 
 #include <opencv2/core.hpp>
 
+#include "common/bit_image.h"
+#include "common/growing_buffer.h"
+
 namespace quorvel::internal {
 
-/// A list of pixels from which entries are taken by position, the later ones moving up one place each time.
+/// A list of pixels, row by row, from which entries are taken by position, the later ones moving up one place each
+/// time.
 ///
-/// Taking from a plain vector moves everything behind the entry; this keeps a Fenwick tree of the entries still there,
-/// so that building is linear and taking costs log2(n) steps, with the same entry for the same position.
+/// The list is an image of bits; counts of eight words, of eight such counts and so on lead to the word of an entry in
+/// a few steps whatever the list's length, with the same entry for the same position as in a vector.
 class DrawPool {
 public:
-    /// \param pixels the entries in list order
-    explicit DrawPool(std::vector<cv::Point> pixels);
+    /// Makes a list of the set bits of an image. Storage is kept and grows only.
+    void fill(const BitImage& pixels);
 
     /// \return the number of entries left
     std::size_t size() const { return left_; }
@@ -26,11 +31,21 @@ public:
     cv::Point take(std::size_t position);
 
 private:
-    std::vector<cv::Point> pixels_;
-    /// tree_[i] counts the entries left among the lowbit(i) entries that end at entry i (1-based).
-    std::vector<int> tree_;
-    std::size_t left_;
-    std::size_t topStep_ = 1;
+    static constexpr std::size_t kFanOut = 8;
+    static constexpr std::size_t kMostLevels = 12;  ///< 8^12 words are more than any image has
+
+    void addLevel();
+
+    GrowingBuffer<std::uint64_t> wordStorage_;
+    GrowingBuffer<std::int32_t> countStorage_;
+    std::uint64_t* words_ = nullptr;
+    int wordsPerRow_ = 0;
+    /// counts_[0] holds the entries of each word, counts_[n + 1] sums eight of counts_[n]; the highest level has at
+    /// most eight. Rounded up to whole groups of eight with zeros.
+    std::array<std::int32_t*, kMostLevels> counts_{};
+    std::array<std::size_t, kMostLevels> sizes_{};
+    std::size_t levels_ = 0;
+    std::size_t left_ = 0;
 };
 
 }  // namespace quorvel::internal

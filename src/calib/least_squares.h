@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <array>
+#include <cstdint>
+
 #include <opencv2/core.hpp>
 
+#include "calib/least_squares_loops.h"
 #include "calib/plane_model.h"
 
 namespace quorvel::internal {
@@ -13,21 +17,17 @@ class PlaneSums {
 public:
     /// Adds one point, mm.
     void add(const cv::Vec3f& point);
-    /// \return the number of points added
-    float count() const { return n_; }
+    /// Adds the points of a row whose z is not 0, one after the other.
+    /// \param points count times (x, y, z), mm
+    void addRow(const float* points, int count);
+    /// \return the number of points added, as a float counts them: never more than 2^24, to which adding 1 adds nothing
+    float count() const;
     /// \return the plane of least squares; normal (0, 0, 1) and offset 0 when the equations are singular
     Plane solve() const;
 
 private:
-    float n_ = 0.0F;
-    float x_ = 0.0F;
-    float y_ = 0.0F;
-    float z_ = 0.0F;
-    float xx_ = 0.0F;
-    float xy_ = 0.0F;
-    float yy_ = 0.0F;
-    float xz_ = 0.0F;
-    float yz_ = 0.0F;
+    std::array<float, kPlaneSums> sums_{};
+    std::int64_t points_ = 0;
 };
 
 /// Fits a plane to all points of a cloud whose z is not 0, by least squares in z.

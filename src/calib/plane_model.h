@@ -46,6 +46,10 @@ public:
                colour[2] > low_[2] && colour[2] < high_[2];
     }
 
+    /// The ends of the three intervals.
+    const cv::Vec3f& low() const { return low_; }
+    const cv::Vec3f& high() const { return high_; }
+
 private:
     cv::Vec3f low_;
     cv::Vec3f high_;

@@ -7,11 +7,6 @@
 
 namespace quorvel::internal {
 
-/// Smooths a depth image twice with a 5 x 5 Gaussian (border reflected without the edge pixel).
-/// \param depth CV_16UC1, mm; not changed
-/// \return CV_16UC1 of the same size; a pixel without depth next to valid ones gets a smoothed, smaller depth
-cv::Mat smoothDepth(const cv::Mat& depth);
-
 /// Fits the plane of the most frequent orientation, by random sampling (KIOSK calibration and GROUND_TRACKING).
 /// \param cloud CV_32FC3, mm
 /// \param previous handed back when the fit fails

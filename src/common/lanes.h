@@ -90,6 +90,9 @@ struct Ints {
 [[maybe_unused]] inline Mask operator<=(Floats a, Floats b) {
     return {_mm256_cmp_ps(a.v, b.v, _CMP_LE_OQ)};
 }
+[[maybe_unused]] inline Mask operator==(Floats a, Floats b) {
+    return {_mm256_cmp_ps(a.v, b.v, _CMP_EQ_OQ)};
+}
 /// Also where one of the two is NaN.
 [[maybe_unused]] inline Mask operator!=(Floats a, Floats b) {
     return {_mm256_cmp_ps(a.v, b.v, _CMP_NEQ_UQ)};
@@ -106,6 +109,16 @@ struct Ints {
 /// The value where the mask is set, +0 elsewhere.
 [[maybe_unused]] inline Floats valueWhere(Mask mask, Floats a) {
     return {_mm256_and_ps(mask.v, a.v)};
+}
+/// a where the mask is set, b elsewhere.
+[[maybe_unused]] inline Floats chosen(Mask mask, Floats a, Floats b) {
+    return {_mm256_blendv_ps(b.v, a.v, mask.v)};
+}
+/// The lanes whose bit is set, the lowest bit for the first lane.
+[[maybe_unused]] inline Mask lanesOf(uint32_t bits) {
+    const __m256i own = _mm256_setr_epi32(1, 2, 4, 8, 16, 32, 64, 128);
+    const __m256i found = _mm256_and_si256(_mm256_set1_epi32(static_cast<int32_t>(bits)), own);
+    return {_mm256_castsi256_ps(_mm256_cmpeq_epi32(found, own))};
 }
 /// One bit a lane, the first lane lowest.
 [[maybe_unused]] inline uint32_t laneBits(Mask mask) {
@@ -125,6 +138,27 @@ struct Ints {
 [[maybe_unused]] inline Floats loadDepths(const uint16_t* from) {
     const __m128i depths = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
     return {_mm256_cvtepi32_ps(_mm256_cvtepu16_epi32(depths))};
+}
+/// Writes kLanes depths.
+/// \param a values 0 ... 65535
+[[maybe_unused]] inline void storeDepths(uint16_t* to, Ints a) {
+    const __m128i low = _mm256_castsi256_si128(a.v);
+    const __m128i high = _mm256_extracti128_si256(a.v, 1);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_packus_epi32(low, high));
+}
+[[maybe_unused]] inline Ints allInts(int32_t value) {
+    return {_mm256_set1_epi32(value)};
+}
+[[maybe_unused]] inline Ints operator&(Ints a, Ints b) {
+    return {_mm256_and_si256(a.v, b.v)};
+}
+[[maybe_unused]] inline Ints operator|(Ints a, Ints b) {
+    return {_mm256_or_si256(a.v, b.v)};
+}
+/// Shifts zeros in from the left.
+template <int Bits>
+[[maybe_unused]] inline Ints shiftedRight(Ints a) {
+    return {_mm256_srli_epi32(a.v, Bits)};
 }
 /// Takes kLanes points (x, y, z) apart.
 [[maybe_unused]] inline void loadPoints(const float* from, Floats& x, Floats& y, Floats& z) {
@@ -163,12 +197,39 @@ struct Ints {
         half(_mm256_extractf128_ps(x.v, 1), _mm256_extractf128_ps(y.v, 1), _mm256_extractf128_ps(z.v, 1));
     return {_mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1)};
 }
-/// a times a double factor, in double, rounded to float.
-[[maybe_unused]] inline Floats timesInDouble(Floats a, double factor) {
-    const __m256d f = _mm256_set1_pd(factor);
-    const __m128 low = _mm256_cvtpd_ps(_mm256_mul_pd(_mm256_cvtps_pd(_mm256_castps256_ps128(a.v)), f));
-    const __m128 high = _mm256_cvtpd_ps(_mm256_mul_pd(_mm256_cvtps_pd(_mm256_extractf128_ps(a.v, 1)), f));
-    return {_mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1)};
+
+/// Eight running sums.
+struct EightSums {
+    __m256 v;
+};
+[[maybe_unused]] inline EightSums loadSums(const float* from) {
+    return {_mm256_loadu_ps(from)};
+}
+[[maybe_unused]] inline void storeSums(float* to, EightSums sums) {
+    _mm256_storeu_ps(to, sums.v);
+}
+/// Adds the lanes of eight terms to their sums, one lane after the other, the first lane first.
+[[maybe_unused]] inline void addInTurn(EightSums& sums, const Floats (&terms)[8]) {
+    __m256 pairs[8];
+    for (int i = 0; i < 8; i += 2) {
+        pairs[i] = _mm256_unpacklo_ps(terms[i].v, terms[i + 1].v);
+        pairs[i + 1] = _mm256_unpackhi_ps(terms[i].v, terms[i + 1].v);
+    }
+    // Element n of each half: lane n and lane n + 4 of the first or the last four terms.
+    __m256 first[4];
+    __m256 last[4];
+    for (int i = 0; i < 2; ++i) {
+        first[2 * i] = _mm256_shuffle_ps(pairs[i], pairs[i + 2], _MM_SHUFFLE(1, 0, 1, 0));
+        first[2 * i + 1] = _mm256_shuffle_ps(pairs[i], pairs[i + 2], _MM_SHUFFLE(3, 2, 3, 2));
+        last[2 * i] = _mm256_shuffle_ps(pairs[i + 4], pairs[i + 6], _MM_SHUFFLE(1, 0, 1, 0));
+        last[2 * i + 1] = _mm256_shuffle_ps(pairs[i + 4], pairs[i + 6], _MM_SHUFFLE(3, 2, 3, 2));
+    }
+    for (int i = 0; i < 4; ++i) {
+        sums.v = _mm256_add_ps(sums.v, _mm256_permute2f128_ps(first[i], last[i], 0x20));
+    }
+    for (int i = 0; i < 4; ++i) {
+        sums.v = _mm256_add_ps(sums.v, _mm256_permute2f128_ps(first[i], last[i], 0x31));
+    }
 }
 
 #elif QUORVEL_LANES == 4
@@ -235,6 +296,9 @@ struct Ints {
 [[maybe_unused]] inline Mask operator<=(Floats a, Floats b) {
     return {_mm_cmple_ps(a.v, b.v)};
 }
+[[maybe_unused]] inline Mask operator==(Floats a, Floats b) {
+    return {_mm_cmpeq_ps(a.v, b.v)};
+}
 [[maybe_unused]] inline Mask operator!=(Floats a, Floats b) {
     return {_mm_cmpneq_ps(a.v, b.v)};
 }
@@ -249,6 +313,14 @@ struct Ints {
 }
 [[maybe_unused]] inline Floats valueWhere(Mask mask, Floats a) {
     return {_mm_and_ps(mask.v, a.v)};
+}
+[[maybe_unused]] inline Floats chosen(Mask mask, Floats a, Floats b) {
+    return {_mm_or_ps(_mm_and_ps(mask.v, a.v), _mm_andnot_ps(mask.v, b.v))};
+}
+[[maybe_unused]] inline Mask lanesOf(uint32_t bits) {
+    const __m128i own = _mm_setr_epi32(1, 2, 4, 8);
+    const __m128i found = _mm_and_si128(_mm_set1_epi32(static_cast<int32_t>(bits)), own);
+    return {_mm_castsi128_ps(_mm_cmpeq_epi32(found, own))};
 }
 [[maybe_unused]] inline uint32_t laneBits(Mask mask) {
     return static_cast<uint32_t>(_mm_movemask_ps(mask.v));
@@ -265,6 +337,26 @@ struct Ints {
 [[maybe_unused]] inline Floats loadDepths(const uint16_t* from) {
     const __m128i depths = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
     return {_mm_cvtepi32_ps(_mm_unpacklo_epi16(depths, _mm_setzero_si128()))};
+}
+[[maybe_unused]] inline void storeDepths(uint16_t* to, Ints a) {
+    // SSE2 packs signed numbers only.
+    const __m128i middle = _mm_set1_epi32(32768);
+    const __m128i around = _mm_sub_epi32(a.v, middle);
+    const __m128i packed = _mm_add_epi16(_mm_packs_epi32(around, around), _mm_set1_epi16(-32768));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(to), packed);
+}
+[[maybe_unused]] inline Ints allInts(int32_t value) {
+    return {_mm_set1_epi32(value)};
+}
+[[maybe_unused]] inline Ints operator&(Ints a, Ints b) {
+    return {_mm_and_si128(a.v, b.v)};
+}
+[[maybe_unused]] inline Ints operator|(Ints a, Ints b) {
+    return {_mm_or_si128(a.v, b.v)};
+}
+template <int Bits>
+[[maybe_unused]] inline Ints shiftedRight(Ints a) {
+    return {_mm_srli_epi32(a.v, Bits)};
 }
 [[maybe_unused]] inline void loadPoints(const float* from, Floats& x, Floats& y, Floats& z) {
     const __m128 a = _mm_loadu_ps(from);
@@ -296,11 +388,27 @@ struct Ints {
     const __m128 high = half(_mm_movehl_ps(x.v, x.v), _mm_movehl_ps(y.v, y.v), _mm_movehl_ps(z.v, z.v));
     return {_mm_movelh_ps(low, high)};
 }
-[[maybe_unused]] inline Floats timesInDouble(Floats a, double factor) {
-    const __m128d f = _mm_set1_pd(factor);
-    const __m128 low = _mm_cvtpd_ps(_mm_mul_pd(_mm_cvtps_pd(a.v), f));
-    const __m128 high = _mm_cvtpd_ps(_mm_mul_pd(_mm_cvtps_pd(_mm_movehl_ps(a.v, a.v)), f));
-    return {_mm_movelh_ps(low, high)};
+
+struct EightSums {
+    __m128 first;
+    __m128 last;
+};
+[[maybe_unused]] inline EightSums loadSums(const float* from) {
+    return {_mm_loadu_ps(from), _mm_loadu_ps(from + 4)};
+}
+[[maybe_unused]] inline void storeSums(float* to, EightSums sums) {
+    _mm_storeu_ps(to, sums.first);
+    _mm_storeu_ps(to + 4, sums.last);
+}
+[[maybe_unused]] inline void addInTurn(EightSums& sums, const Floats (&terms)[8]) {
+    __m128 first[4] = {terms[0].v, terms[1].v, terms[2].v, terms[3].v};
+    __m128 last[4] = {terms[4].v, terms[5].v, terms[6].v, terms[7].v};
+    _MM_TRANSPOSE4_PS(first[0], first[1], first[2], first[3]);
+    _MM_TRANSPOSE4_PS(last[0], last[1], last[2], last[3]);
+    for (int i = 0; i < 4; ++i) {
+        sums.first = _mm_add_ps(sums.first, first[i]);
+        sums.last = _mm_add_ps(sums.last, last[i]);
+    }
 }
 
 #else
@@ -371,6 +479,9 @@ constexpr float kIntBeyond = 2147483648.0F;
 [[maybe_unused]] inline Mask operator<=(Floats a, Floats b) {
     return {a.v <= b.v};
 }
+[[maybe_unused]] inline Mask operator==(Floats a, Floats b) {
+    return {a.v == b.v};
+}
 [[maybe_unused]] inline Mask operator!=(Floats a, Floats b) {
     return {a.v != b.v};
 }
@@ -386,6 +497,12 @@ constexpr float kIntBeyond = 2147483648.0F;
 [[maybe_unused]] inline Floats valueWhere(Mask mask, Floats a) {
     return {mask.v ? a.v : 0.0F};
 }
+[[maybe_unused]] inline Floats chosen(Mask mask, Floats a, Floats b) {
+    return mask.v ? a : b;
+}
+[[maybe_unused]] inline Mask lanesOf(uint32_t bits) {
+    return {(bits & 1U) != 0};
+}
 [[maybe_unused]] inline uint32_t laneBits(Mask mask) {
     return mask.v ? 1U : 0U;
 }
@@ -400,6 +517,22 @@ constexpr float kIntBeyond = 2147483648.0F;
 }
 [[maybe_unused]] inline Floats loadDepths(const uint16_t* from) {
     return {static_cast<float>(*from)};
+}
+[[maybe_unused]] inline void storeDepths(uint16_t* to, Ints a) {
+    *to = static_cast<uint16_t>(a.v);
+}
+[[maybe_unused]] inline Ints allInts(int32_t value) {
+    return {value};
+}
+[[maybe_unused]] inline Ints operator&(Ints a, Ints b) {
+    return {a.v & b.v};
+}
+[[maybe_unused]] inline Ints operator|(Ints a, Ints b) {
+    return {a.v | b.v};
+}
+template <int Bits>
+[[maybe_unused]] inline Ints shiftedRight(Ints a) {
+    return {static_cast<int32_t>(static_cast<uint32_t>(a.v) >> Bits)};
 }
 [[maybe_unused]] inline void loadPoints(const float* from, Floats& x, Floats& y, Floats& z) {
     x.v = from[0];
@@ -417,8 +550,26 @@ constexpr float kIntBeyond = 2147483648.0F;
     const double r = static_cast<double>(z.v);
     return {static_cast<float>(sqrt(p * p + q * q + r * r))};
 }
-[[maybe_unused]] inline Floats timesInDouble(Floats a, double factor) {
-    return {static_cast<float>(static_cast<double>(a.v) * factor)};
+
+struct EightSums {
+    float v[8];
+};
+[[maybe_unused]] inline EightSums loadSums(const float* from) {
+    EightSums sums;
+    for (int i = 0; i < 8; ++i) {
+        sums.v[i] = from[i];
+    }
+    return sums;
+}
+[[maybe_unused]] inline void storeSums(float* to, EightSums sums) {
+    for (int i = 0; i < 8; ++i) {
+        to[i] = sums.v[i];
+    }
+}
+[[maybe_unused]] inline void addInTurn(EightSums& sums, const Floats (&terms)[8]) {
+    for (int i = 0; i < 8; ++i) {
+        sums.v[i] += terms[i].v;
+    }
 }
 
 #endif

@@ -2,12 +2,14 @@
 #include "calib/calibration_region.h"
 
 #include <climits>
+#include <limits>
 
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
 
 #include "library/calib_support.h"
 #include "library/plain/calibration_region.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -15,9 +17,16 @@ namespace quorvel::test {
 namespace {
 
 using internal::halfRegionArea;
-using internal::pointsInsideRegion;
 using internal::regionCorners;
 using internal::RegionCorners;
+
+cv::Mat pointsInsideRegion(const cv::Mat& cloud, const RegionCorners& corners) {
+    cv::Mat inside(cloud.size(), CV_32FC3, cv::Scalar::all(77.0));
+    const uchar* storage = inside.data;
+    internal::pointsInsideRegion(cloud, corners, inside);
+    EXPECT_EQ(inside.data, storage) << "storage that nobody else holds is not kept";
+    return inside;
+}
 
 cv::Mat fullCloud(int rows, int columns) {
     return {rows, columns, CV_32FC3, cv::Scalar(1.0, 2.0, 900.0)};
@@ -99,17 +108,36 @@ TEST(PointsInsideRegion, ARegionThatReachesBeyondTheImageIsCutAtItsBorder) {
               600);
 }
 
+TEST(PointsInsideRegion, WritesIntoNobodyElsesPixels) {
+    cv::Mat inside(4, 4, CV_32FC3, cv::Scalar::all(77.0));
+    const cv::Mat held = inside;
+    internal::pointsInsideRegion(fullCloud(4, 4), regionCorners({0, 0, 4, 4}), inside);
+    EXPECT_EQ(held.at<cv::Vec3f>(1, 1), cv::Vec3f(77.0F, 77.0F, 77.0F));
+    EXPECT_EQ(inside.at<cv::Vec3f>(1, 1), cv::Vec3f(1.0F, 2.0F, 900.0F));
+}
+
+TEST(PointsInsideRegion, PointsWhoseDepthIsNoNumberAreLeftOut) {
+    cv::Mat cloud = fullCloud(3, 3);
+    cloud.at<cv::Vec3f>(1, 1)[2] = std::numeric_limits<float>::quiet_NaN();
+    cloud.at<cv::Vec3f>(1, 2)[2] = -std::numeric_limits<float>::infinity();
+    const cv::Mat inside = pointsInsideRegion(cloud, regionCorners({0, 0, 3, 3}));
+    EXPECT_EQ(inside.at<cv::Vec3f>(1, 1), cv::Vec3f(0.0F, 0.0F, 0.0F));
+    EXPECT_EQ(inside.at<cv::Vec3f>(1, 2), cloud.at<cv::Vec3f>(1, 2));
+}
+
 TEST(PointsInsideRegion, AgreesWithTheDotProductsOnRandomRegions) {
     calib::Random random(101);
-    for (int i = 0; i < 800; ++i) {
-        const cv::Mat cloud = calib::randomCloud(random, random.within(1, 14), random.within(1, 14),
+    for (int i = 0; i < 2000; ++i) {
+        const cv::Mat cloud = calib::randomCloud(random, random.within(1, 14), random.within(1, 24),
                                                  static_cast<calib::CloudKind>(random.below(3)), 25);
-        const cv::Rect region(random.within(-6, 16), random.within(-6, 16), random.within(-12, 20),
+        const cv::Rect region(random.within(-6, 16), random.within(-6, 16), random.within(-12, 30),
                               random.within(-12, 20));
         const RegionCorners corners = regionCorners(region);
         const cv::Mat expected = plain::pointsInsideRegion(cloud, corners);
-        EXPECT_TRUE(sameBits(pointsInsideRegion(cloud, corners), expected)) << region;
-        EXPECT_TRUE(sameBits(pointsInsideRegion(calib::asSubMatrix(cloud), corners), expected)) << region;
+        forEachLoopVariant([&] {
+            EXPECT_TRUE(sameBits(pointsInsideRegion(cloud, corners), expected)) << region;
+            EXPECT_TRUE(sameBits(pointsInsideRegion(calib::asSubMatrix(cloud), corners), expected)) << region;
+        });
     }
 }
 

@@ -65,7 +65,7 @@ cv::Mat floorDepthImage(calib::Random& random) {
 }
 
 std::string fileText(const std::string& path) {
-    std::ifstream file(path);
+    std::ifstream file(path, std::ios::binary);
     EXPECT_TRUE(file) << path << " cannot be opened";
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
@@ -91,6 +91,8 @@ void expectCalibrated(const Quorvel& ruler, float t) {
     EXPECT_EQ(ruler.minObjectPixels, plain::objectPixelMinimum(ruler.refPlaneOffset, ruler.fxSmall));
     EXPECT_EQ(fileText("param/cal.txt"), planeLine(ruler));
     EXPECT_TRUE(sameBits(cv::imread("param/depth.tif", cv::IMREAD_UNCHANGED), ruler.depthImage));
+    cv::imwrite("param/expected.tif", ruler.depthImage);
+    EXPECT_EQ(fileText("param/depth.tif"), fileText("param/expected.tif")) << "other bytes than those of cv::imwrite";
 }
 
 class FittingModes : public ::testing::TestWithParam<ProductType> {

@@ -2,12 +2,14 @@
 #include "calib/dominant_normal.h"
 
 #include <limits>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "library/calib_support.h"
 #include "library/plain/dominant_normal.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -70,16 +72,36 @@ TEST(DominantNormalBin, TheColourOfEmptyPixelsNeverWins) {
     EXPECT_EQ(binOf(cv::Mat()), cv::Vec3f(0, 0, 0));
 }
 
+void expectAsPlain(const cv::Mat& map, const std::string& what) {
+    const cv::Vec3f expected = plain::dominantNormalBin(map);
+    forEachLoopVariant([&] {
+        EXPECT_TRUE(sameBits(binOf(map), expected)) << what;
+        EXPECT_TRUE(sameBits(binOf(calib::asSubMatrix(map)), expected)) << what;
+    });
+}
+
 TEST(DominantNormalBin, AgreesWithThePlainFormOnRandomMaps) {
     calib::Random random(71);
-    for (int i = 0; i < 600; ++i) {
-        const cv::Mat cloud = calib::randomCloud(random, random.within(1, 12), random.within(1, 12),
-                                                 static_cast<calib::CloudKind>(random.below(3)), 30);
+    for (int i = 0; i < 2000; ++i) {
+        const cv::Size size(random.within(1, 30), random.within(1, 12));
+        const cv::Mat cloud =
+            calib::randomCloud(random, size.height, size.width, static_cast<calib::CloudKind>(random.below(3)), 30);
         // Few, many and out-of-range colours, with plenty of ties.
-        const cv::Mat map = random.chance(50) ? cv::Mat(cloud * 43.0) : cloud;
-        const cv::Vec3f expected = plain::dominantNormalBin(map);
-        EXPECT_TRUE(sameBits(binOf(map), expected)) << "input " << i;
-        EXPECT_TRUE(sameBits(binOf(calib::asSubMatrix(map)), expected)) << "input " << i;
+        expectAsPlain(random.chance(50) ? cv::Mat(cloud * 43.0) : cloud, "input " + std::to_string(i));
+    }
+}
+
+TEST(DominantNormalBin, AgreesWithThePlainFormWhereTwoOrientationsTie) {
+    calib::Random random(72);
+    for (int i = 0; i < 300; ++i) {
+        const int count = 2 * random.within(1, 40);
+        cv::Mat map(1, count, CV_32FC3, cv::Scalar(10.0, 10.0, 200.0));
+        for (int left = count / 2; left > 0;) {
+            auto& colour = map.at<cv::Vec3f>(random.below(count));
+            left -= colour[2] == 200.0F ? 1 : 0;
+            colour = cv::Vec3f(10.0F, 200.0F, 10.0F);
+        }
+        expectAsPlain(map, "tie " + std::to_string(i));
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "calib/draw_pool.h"
 
+#include <cstdint>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -13,74 +14,110 @@ namespace {
 
 using internal::DrawPool;
 
-std::vector<cv::Point> numbered(int count) {
-    std::vector<cv::Point> pixels;
-    pixels.reserve(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i) {
-        pixels.emplace_back(i, -i);
+/// An image in which `percent` of the pixels, or all, are set.
+internal::BitImage someBits(calib::Random& random, int rows, int columns, int percent) {
+    internal::BitImage image;
+    image.reset(rows, columns);
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            if (random.chance(percent)) {
+                image.row(row)[column / 64] |= std::uint64_t{1} << (column % 64);
+            }
+        }
     }
-    return pixels;
+    return image;
 }
 
-/// Takes `draws` entries from a pool and from a vector with erase, and compares every one.
+std::vector<cv::Point> listOf(const internal::BitImage& image) {
+    std::vector<cv::Point> list;
+    for (int row = 0; row < image.rows(); ++row) {
+        for (int column = 0; column < image.columns(); ++column) {
+            if (image.at(row, column)) {
+                list.emplace_back(column, row);
+            }
+        }
+    }
+    return list;
+}
+
+/// Takes `draws` entries, or all, from a pool and from a vector with erase, and compares every one.
 template <typename NextPosition>
-void expectSameDraws(int count, int draws, NextPosition nextPosition) {
-    std::vector<cv::Point> list = numbered(count);
-    DrawPool pool(list);
-    for (int draw = 0; draw < draws; ++draw) {
-        ASSERT_EQ(pool.size(), list.size()) << "before draw " << draw << " of " << count;
+void expectSameDraws(DrawPool& pool, const internal::BitImage& image, std::size_t draws, NextPosition nextPosition) {
+    std::vector<cv::Point> list = listOf(image);
+    pool.fill(image);
+    for (std::size_t draw = 0; draw < draws && !list.empty(); ++draw) {
+        ASSERT_EQ(pool.size(), list.size()) << "before draw " << draw;
         const std::size_t position = nextPosition(list.size());
         const auto entry = list.begin() + static_cast<std::ptrdiff_t>(position);
-        ASSERT_EQ(pool.take(position), *entry) << "draw " << draw << ", position " << position << " of " << count;
+        ASSERT_EQ(pool.take(position), *entry) << "draw " << draw << ", position " << position;
         list.erase(entry);
     }
     EXPECT_EQ(pool.size(), list.size());
 }
 
 TEST(DrawPool, LaterEntriesMoveUp) {
-    DrawPool pool(numbered(4));
-    EXPECT_EQ(pool.take(1), cv::Point(1, -1));
-    EXPECT_EQ(pool.take(1), cv::Point(2, -2));
-    EXPECT_EQ(pool.take(1), cv::Point(3, -3));
+    calib::Random random(90);
+    DrawPool pool;
+    pool.fill(someBits(random, 2, 2, 100));
+    EXPECT_EQ(pool.take(1), cv::Point(1, 0));
+    EXPECT_EQ(pool.take(1), cv::Point(0, 1));
+    EXPECT_EQ(pool.take(1), cv::Point(1, 1));
     EXPECT_EQ(pool.take(0), cv::Point(0, 0));
     EXPECT_EQ(pool.size(), 0U);
 }
 
 TEST(DrawPool, AnEmptyListHasNothingToTake) {
-    EXPECT_EQ(DrawPool({}).size(), 0U);
+    calib::Random random(90);
+    DrawPool pool;
+    EXPECT_EQ(pool.size(), 0U);
+    pool.fill(someBits(random, 30, 70, 0));
+    EXPECT_EQ(pool.size(), 0U);
+    pool.fill(someBits(random, 0, 0, 100));
+    EXPECT_EQ(pool.size(), 0U);
 }
 
-TEST(DrawPool, HandsOutWhateverTheListHolds) {
-    DrawPool pool({{5, 5}, {5, 5}, {-1, 2}});
-    EXPECT_EQ(pool.take(2), cv::Point(-1, 2));
-    EXPECT_EQ(pool.take(0), cv::Point(5, 5));
-    EXPECT_EQ(pool.take(0), cv::Point(5, 5));
+TEST(DrawPool, LeavesTheImage) {
+    calib::Random random(90);
+    const internal::BitImage image = someBits(random, 3, 70, 100);
+    DrawPool pool;
+    pool.fill(image);
+    pool.take(100);
+    EXPECT_EQ(listOf(image).size(), 210U);
 }
 
 TEST(DrawPool, EmptiesEverySizeFromTheFrontTheBackAndTheMiddle) {
+    calib::Random random(93);
+    DrawPool pool;
     for (int count = 1; count <= 130; ++count) {
-        expectSameDraws(count, count, [](std::size_t) { return std::size_t{0}; });
-        expectSameDraws(count, count, [](std::size_t left) { return left - 1; });
-        expectSameDraws(count, count, [](std::size_t left) { return left / 2; });
+        const internal::BitImage image = someBits(random, 1, count, 100);
+        expectSameDraws(pool, image, 130, [](std::size_t) { return std::size_t{0}; });
+        expectSameDraws(pool, image, 130, [](std::size_t left) { return left - 1; });
+        expectSameDraws(pool, image, 130, [](std::size_t left) { return left / 2; });
     }
 }
 
 TEST(DrawPool, DrawsAsAVectorWithErase) {
     calib::Random random(91);
-    const auto anyPosition = [&random](std::size_t left) {
-        return static_cast<std::size_t>(random.below(static_cast<int>(left)));
-    };
-    for (int i = 0; i < 300; ++i) {
-        const int count = random.within(1, 300);
-        expectSameDraws(count, count, anyPosition);
+    DrawPool pool;
+    for (int i = 0; i < 2000; ++i) {
+        const cv::Size size(random.within(1, random.chance(10) ? 200 : 20), random.within(1, 20));
+        const internal::BitImage image =
+            someBits(random, size.height, size.width, random.chance(20) ? 100 : random.within(1, 100));
+        expectSameDraws(pool, image, 400, [&random](std::size_t left) {
+            return static_cast<std::size_t>(random.below(static_cast<int>(left)));
+        });
     }
 }
 
 TEST(DrawPool, DrawsAsAVectorWithEraseFromALongList) {
     calib::Random random(92);
-    for (const int count : {32767, 32768, 32769, 50000}) {
-        expectSameDraws(count, 1500,
-                        [&random](std::size_t left) { return static_cast<std::size_t>(random.below(32768)) % left; });
+    DrawPool pool;
+    for (const cv::Size& size : {cv::Size(32767, 1), cv::Size(1, 32769), cv::Size(250, 200), cv::Size(640, 480)}) {
+        for (const int percent : {100, 3}) {
+            expectSameDraws(
+                pool, someBits(random, size.height, size.width, percent), 1500,
+                [&random](std::size_t left) { return static_cast<std::size_t>(random.below(32768)) % left; });
+        }
     }
 }
 

@@ -3,11 +3,13 @@
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "library/calib_support.h"
 #include "library/plain/least_squares.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -38,12 +40,14 @@ void expectUntouched(const FitResult& result) {
 }
 
 void expectAsPlain(const cv::Mat& cloud, float minPoints) {
-    const FitResult result = fit(cloud, minPoints);
     FitResult expected;
     expected.status = plain::fitPlaneLeastSquares(cloud, expected.normal.val, expected.offset, minPoints);
-    EXPECT_EQ(result.status, expected.status) << cloud.size() << ", at least " << minPoints;
-    EXPECT_TRUE(sameBits(result.normal, expected.normal)) << cloud.size() << ", at least " << minPoints;
-    EXPECT_TRUE(sameBits(result.offset, expected.offset)) << result.offset << " and " << expected.offset;
+    forEachLoopVariant([&] {
+        const FitResult result = fit(cloud, minPoints);
+        EXPECT_EQ(result.status, expected.status) << cloud.size() << ", at least " << minPoints;
+        EXPECT_TRUE(sameBits(result.normal, expected.normal)) << cloud.size() << ", at least " << minPoints;
+        EXPECT_TRUE(sameBits(result.offset, expected.offset)) << result.offset << " and " << expected.offset;
+    });
 }
 
 /// Points (x, y, slopeX x + slopeY y + base) over the grid x, y = -2 ... 2.
@@ -146,14 +150,53 @@ TEST(FitPlaneLeastSquares, SumsInFloatInRowOrder) {
 
 TEST(FitPlaneLeastSquares, AgreesWithThePlainFormOnRandomClouds) {
     calib::Random random(51);
-    for (int i = 0; i < 600; ++i) {
+    for (int i = 0; i < 2000; ++i) {
         const auto kind = static_cast<calib::CloudKind>(random.below(3));
         const cv::Mat cloud =
-            calib::randomCloud(random, random.within(1, 12), random.within(1, 12), kind, random.below(4) * 33);
+            calib::randomCloud(random, random.within(1, 12), random.within(1, 40), kind, random.below(4) * 33);
         const float minPoints = random.chance(50) ? 0.0F : random.between(0.0F, 60.0F);
         expectAsPlain(cloud, minPoints);
         expectAsPlain(calib::asSubMatrix(cloud), minPoints);
     }
+}
+
+TEST(FitPlaneLeastSquares, AbsentPointsAddNothingWhateverTheyHold) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float infinity = std::numeric_limits<float>::infinity();
+    cv::Mat cloud = gridCloud(0.5F, 0.25F, 800.0F);
+    cloud.at<cv::Vec3f>(1, 1) = {nan, infinity, 0.0F};
+    cloud.at<cv::Vec3f>(3, 2) = {-infinity, nan, -0.0F};
+    EXPECT_TRUE(std::isfinite(fit(cloud, 23.0F).offset));
+    expectAsPlain(cloud, 23.0F);
+    expectAsPlain(cloud, 24.0F);
+}
+
+TEST(PlaneSums, PointsAddedOneByOneAndByRowsMakeTheSamePlane) {
+    calib::Random random(53);
+    for (int i = 0; i < 200; ++i) {
+        const cv::Mat cloud = calib::randomCloud(random, 1, random.within(1, 60), calib::CloudKind::kFloats, 0);
+        internal::PlaneSums single;
+        for (int column = 0; column < cloud.cols; ++column) {
+            single.add(cloud.at<cv::Vec3f>(column));
+        }
+        forEachLoopVariant([&] {
+            internal::PlaneSums row;
+            row.addRow(cloud.ptr<float>(), cloud.cols);
+            EXPECT_EQ(row.count(), single.count());
+            EXPECT_TRUE(sameBits(row.solve().offset, single.solve().offset)) << "input " << i;
+        });
+    }
+}
+
+TEST(PlaneSums, CountsLikeAFloat) {
+    const std::vector<float> row(3 * 65536, 1.0F);
+    internal::PlaneSums sums;
+    for (int i = 0; i < 256; ++i) {
+        sums.addRow(row.data(), 65536);
+    }
+    EXPECT_EQ(sums.count(), 16777216.0F);
+    sums.add({1.0F, 1.0F, 1.0F});
+    EXPECT_EQ(sums.count(), 16777216.0F) << "16777217 is no float";
 }
 
 TEST(FitPlaneLeastSquares, AgreesWithThePlainFormOnLargeFloors) {

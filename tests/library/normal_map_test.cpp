@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "calib/normal_map.h"
 
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "library/calib_support.h"
 #include "library/plain/normal_map.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -97,24 +100,39 @@ TEST(ComputeNormalMap, MapsOfFewerThanThreeRowsOrColumnsAreZero) {
     EXPECT_EQ(computeNormalMap(cv::Mat()).total(), 0U);
 }
 
+void expectAsPlain(const cv::Mat& cloud, const std::string& what) {
+    const cv::Mat expected = plain::computeNormalMap(cloud);
+    forEachLoopVariant([&] {
+        EXPECT_TRUE(sameBits(computeNormalMap(cloud), expected)) << what;
+        EXPECT_TRUE(sameBits(computeNormalMap(calib::asSubMatrix(cloud)), expected)) << what;
+    });
+}
+
 TEST(ComputeNormalMap, AgreesWithThePlainFormOnRandomClouds) {
     calib::Random random(65);
-    for (int i = 0; i < 600; ++i) {
+    for (int i = 0; i < 2000; ++i) {
         const auto kind = static_cast<calib::CloudKind>(random.below(3));
-        const cv::Mat cloud =
-            calib::randomCloud(random, random.within(1, 12), random.within(1, 12), kind, random.below(4) * 33);
-        const cv::Mat expected = plain::computeNormalMap(cloud);
-        EXPECT_TRUE(sameBits(computeNormalMap(cloud), expected)) << "input " << i;
-        EXPECT_TRUE(sameBits(computeNormalMap(calib::asSubMatrix(cloud)), expected)) << "input " << i;
+        const cv::Size size(random.within(1, 24), random.within(1, 8));
+        expectAsPlain(calib::randomCloud(random, size.height, size.width, kind, random.below(4) * 33),
+                      "input " + std::to_string(i));
     }
 }
 
 TEST(ComputeNormalMap, AgreesWithThePlainFormOnExtremeLengths) {
     calib::Random random(66);
-    for (const float scale : {1e-20F, 1e-12F, 1e9F, 1e18F}) {
-        const cv::Mat cloud = calib::randomCloud(random, 20, 20, calib::CloudKind::kFloats, 10) * scale;
-        EXPECT_TRUE(sameBits(computeNormalMap(cloud), plain::computeNormalMap(cloud))) << "scale " << scale;
+    for (const float scale : {1e-20F, 1e-12F, 1e9F, 1e18F, 1e30F}) {
+        expectAsPlain(calib::randomCloud(random, 20, 20, calib::CloudKind::kFloats, 10) * scale,
+                      "scale " + std::to_string(scale));
     }
+}
+
+TEST(ComputeNormalMap, HandsOutAMapThatLaterCallsLeave) {
+    calib::Random random(67);
+    const cv::Mat cloud = calib::randomCloud(random, 9, 9, calib::CloudKind::kFloats, 0);
+    const cv::Mat kept = computeNormalMap(cloud);
+    computeNormalMap(cloud * 2);
+    computeNormalMap(cv::Mat::zeros(9, 9, CV_32FC3));
+    EXPECT_TRUE(sameBits(kept, plain::computeNormalMap(cloud)));
 }
 
 }  // namespace

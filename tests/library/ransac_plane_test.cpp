@@ -13,6 +13,7 @@
 #include "library/plain/dominant_normal.h"
 #include "library/plain/normal_map.h"
 #include "library/plain/ransac_plane.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -53,12 +54,14 @@ FitResult plainFit(const cv::Mat& cloud, const cv::Mat& map, const cv::Vec3f& bi
 plain::RansacTrace expectAsPlain(const cv::Mat& cloud, const cv::Mat& map, const cv::Vec3f& bin, unsigned seed,
                                  const std::string& what) {
     plain::RansacTrace trace;
-    const FitResult result = fit(cloud, map, bin, seed);
     const FitResult expected = plainFit(cloud, map, bin, seed, trace);
-    EXPECT_EQ(result.status, expected.status) << what;
-    EXPECT_TRUE(sameBits(result.normal, expected.normal)) << what;
-    EXPECT_TRUE(sameBits(result.offset, expected.offset)) << what;
-    EXPECT_EQ(result.nextRandom, expected.nextRandom) << what << ": the number of draws differs";
+    forEachLoopVariant([&] {
+        const FitResult result = fit(cloud, map, bin, seed);
+        EXPECT_EQ(result.status, expected.status) << what;
+        EXPECT_TRUE(sameBits(result.normal, expected.normal)) << what;
+        EXPECT_TRUE(sameBits(result.offset, expected.offset)) << what;
+        EXPECT_EQ(result.nextRandom, expected.nextRandom) << what << ": the number of draws differs";
+    });
     return trace;
 }
 
@@ -307,11 +310,75 @@ TEST(RansacFitPlane, NothingToFitFails) {
     expectFailure(fit(cv::Mat::zeros(90, 90, CV_32FC3), cv::Mat::zeros(90, 90, CV_32FC3), {0, 0, 0}, 1));
 }
 
+/// A scene of 200 x 200 depths in which every 13th value, counted over rows of 256, comes from another range: those are
+/// the ones at which the search for the floor guesses where the farthest begin.
+GridScene misleadingScene(float sampled, float others) {
+    GridScene scene(200, 200, 0.0F);
+    for (int i = 0; i < 40000; ++i) {
+        const bool isSampled = (i / 200 * 256 + i % 200) % 13 == 0;
+        scene.point(i)[2] = (isSampled ? sampled : others) + static_cast<float>(scattered(i, 40000)) * 1e-3F;
+    }
+    return scene;
+}
+
+TEST(RansacFitPlane, TheFloorIsFoundWhereEveryGuessMisses) {
+    EXPECT_EQ(expectAsPlain(misleadingScene(900.0F, 1000.0F).cloud, misleadingScene(900.0F, 1000.0F).map, kFloorBin, 21,
+                            "far more beyond the guess than expected")
+                  .candidates,
+              40000);
+    GridScene scene = misleadingScene(1000.0F, 1000.0F);
+    int raised = 0;
+    for (int i = 0; i < 40000 && raised < 1500; ++i) {
+        if ((i / 200 * 256 + i % 200) % 13 == 0) {
+            scene.point(i)[2] += 150.0F;
+            ++raised;
+        }
+    }
+    const plain::RansacTrace trace = expectAsPlain(scene.cloud, scene.map, kFloorBin, 22, "fewer beyond the guess");
+    EXPECT_EQ(trace.firstList, 38500) << "1500 far points are passed over";
+}
+
+TEST(RansacFitPlane, AValueSharedByManyIsTheFloor) {
+    // 1500 points beyond it and 3500 at it: the one with 2000 at or above it is among those at it.
+    GridScene scene(80, 80, 1000.0F);
+    for (int i = 0; i < 5000; ++i) {
+        scene.point(scattered(i, 6400))[2] = i < 1500 ? 1050.0F + static_cast<float>(i) * 0.01F : 1024.0F;
+    }
+    expectAsPlain(scene.cloud, scene.map, kFloorBin, 23, "many at one distance");
+}
+
+TEST(RansacFitPlane, PointsThatAreNoNumbersAreSortedAsThePlainFormSortsThem) {
+    calib::Random random(114);
+    for (int i = 0; i < 200; ++i) {
+        GridScene scene(70, 70, 1000.0F);
+        for (int count = random.within(1, 40); count > 0; --count) {
+            scene.point(random.below(4900))[random.below(3)] =
+                calib::randomCoordinate(random, calib::CloudKind::kWithNonFinite) * (random.chance(50) ? 1e36F : 1.0F);
+        }
+        for (int count = random.within(0, 40); count > 0; --count) {
+            scene.colour(random.below(4900))[random.below(3)] =
+                calib::randomCoordinate(random, calib::CloudKind::kWithNonFinite);
+        }
+        expectAsPlain(scene.cloud, scene.map, kFloorBin, static_cast<unsigned>(i), "scene " + std::to_string(i));
+    }
+}
+
+TEST(RansacFitPlane, AgreesWithThePlainFormOnLongAndNarrowClouds) {
+    calib::Random random(115);
+    for (const cv::Size& size : {cv::Size(1, 5000), cv::Size(5000, 1), cv::Size(63, 80), cv::Size(65, 80)}) {
+        GridScene scene(size.height, size.width, 1000.0F);
+        for (int i = 0; i < size.area(); ++i) {
+            scene.point(i)[2] += random.between(-20.0F, 20.0F);
+        }
+        expectAsPlain(scene.cloud, scene.map, kFloorBin, 24, std::to_string(size.width));
+    }
+}
+
 /// A floor of random tilt with a random box on it, noise, absent pixels and now and then a value that is no number.
 cv::Mat randomScene(calib::Random& random) {
     calib::FloorView view;
-    view.width = random.within(66, 100);
-    view.height = random.within(66, 100);
+    view.width = random.within(64, 85);
+    view.height = random.within(66, 85);
     view.focal = random.between(50.0F, 120.0F);
     view.slopeX = random.between(-0.4F, 0.4F);
     view.slopeY = random.between(-0.4F, 0.4F);
@@ -335,7 +402,7 @@ TEST(RansacFitPlane, AgreesWithThePlainFormOnRandomScenes) {
     int fitted = 0;
     int failed = 0;
     int longest = 0;
-    for (int i = 0; i < 250; ++i) {
+    for (int i = 0; i < 2000; ++i) {
         const cv::Mat cloud = randomScene(random);
         const cv::Mat map = plain::computeNormalMap(cloud);
         const cv::Vec3f bin = plain::dominantNormalBin(map);

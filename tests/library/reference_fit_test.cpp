@@ -5,7 +5,6 @@
 #include <cstdlib>
 
 #include <gtest/gtest.h>
-#include <opencv2/imgproc.hpp>
 
 #include "library/calib_support.h"
 #include "library/plain/reference_fit.h"
@@ -18,7 +17,6 @@ namespace {
 using internal::fitDominantPlane;
 using internal::fitGrownPlane;
 using internal::Plane;
-using internal::smoothDepth;
 
 const Plane kPrevious{cv::Vec3f(0.0F, 0.6F, 0.8F), 777.0F};
 
@@ -27,69 +25,6 @@ const Plane kPrevious{cv::Vec3f(0.0F, 0.6F, 0.8F), 777.0F};
         return ::testing::AssertionFailure() << a.normal << ", " << a.offset << " and " << normal << ", " << offset;
     }
     return ::testing::AssertionSuccess();
-}
-
-TEST(SmoothDepth, AFlatImageStaysFlat) {
-    const cv::Mat depth(9, 11, CV_16UC1, cv::Scalar(1234));
-    EXPECT_TRUE(sameBits(smoothDepth(depth), depth));
-}
-
-TEST(SmoothDepth, SpreadsAPixelWithTheKernelAppliedTwice) {
-    // (1 4 6 4 1) / 16 twice is (1 8 28 56 70 56 28 8 1) / 256 in each direction. 61440 is 15 * 4096: at offsets
-    // (dx, dy) it leaves 15 * K(dx) * K(dy) / 16: 70 * 70 -> 4593.75, 70 * 56 -> 3675, 56 * 56 -> 2940,
-    // 8 * 70 -> 525, 1 * 1 -> 0.94.
-    cv::Mat depth = cv::Mat::zeros(21, 21, CV_16UC1);
-    depth.at<ushort>(10, 10) = 61440;
-    const cv::Mat smoothed = smoothDepth(depth);
-    EXPECT_EQ(smoothed.at<ushort>(10, 10), 4594);
-    EXPECT_EQ(smoothed.at<ushort>(10, 11), 3675);
-    EXPECT_EQ(smoothed.at<ushort>(9, 10), 3675);
-    EXPECT_EQ(smoothed.at<ushort>(11, 11), 2940);
-    EXPECT_EQ(smoothed.at<ushort>(10, 13), 525);
-    EXPECT_EQ(smoothed.at<ushort>(14, 14), 1);
-    EXPECT_EQ(smoothed.at<ushort>(10, 15), 0) << "beyond four pixels nothing arrives";
-}
-
-TEST(SmoothDepth, ReflectsAtTheBorderWithoutTheEdgePixel) {
-    // One row: the first pass at pixel 0 is (6 * p0 + 2 * 4 * p1 + 2 * p2) / 16 in each direction.
-    cv::Mat depth = cv::Mat::zeros(1, 9, CV_16UC1);
-    depth.at<ushort>(0, 1) = 2560;
-    // First pass: 640+640 at 0 (= 1280), 960 + 160 at 1 (p1 and its mirror image at -1), 640, 160.
-    // Second pass at 0: (6 * 1280 + 8 * 1120 + 2 * 640) / 16 = 1120.
-    EXPECT_EQ(smoothDepth(depth).at<ushort>(0, 0), 1120);
-}
-
-TEST(SmoothDepth, AHoleGetsASmallerDepth) {
-    cv::Mat depth(9, 9, CV_16UC1, cv::Scalar(1000));
-    depth.at<ushort>(4, 4) = 0;
-    const auto inHole = smoothDepth(depth).at<ushort>(4, 4);
-    // 1000 * (1 - 4900 / 65536) = 925.2.
-    EXPECT_NEAR(inHole, 925, 1);
-}
-
-TEST(SmoothDepth, LeavesTheImageItself) {
-    cv::Mat depth = cv::Mat::zeros(9, 9, CV_16UC1);
-    depth.at<ushort>(4, 4) = 60000;
-    const cv::Mat before = depth.clone();
-    smoothDepth(depth);
-    EXPECT_TRUE(sameBits(depth, before));
-}
-
-TEST(SmoothDepth, IsTheSameForAPartOfAWiderImage) {
-    calib::Random random(131);
-    for (int i = 0; i < 100; ++i) {
-        cv::Mat depth(random.within(1, 12), random.within(1, 12), CV_16UC1);
-        for (int pixel = 0; pixel < depth.rows * depth.cols; ++pixel) {
-            depth.at<ushort>(pixel / depth.cols, pixel % depth.cols) = static_cast<ushort>(random.below(65536));
-        }
-        cv::Mat once;
-        cv::Mat twice;
-        cv::GaussianBlur(depth, once, cv::Size(5, 5), 0.0, 0.0, cv::BORDER_REFLECT_101);
-        cv::GaussianBlur(once, twice, cv::Size(5, 5), 0.0, 0.0, cv::BORDER_REFLECT_101);
-        EXPECT_TRUE(sameBits(smoothDepth(depth), twice)) << depth.size();
-        EXPECT_TRUE(sameBits(smoothDepth(calib::asSubMatrix(depth)), twice))
-            << depth.size() << ": pixels outside the image take part";
-    }
 }
 
 TEST(FitDominantPlane, AFailedFitHandsBackThePreviousPlane) {

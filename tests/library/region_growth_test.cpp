@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "calib/region_growth.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -11,6 +12,7 @@
 #include "library/calib_support.h"
 #include "library/plain/normal_map.h"
 #include "library/plain/region_growth.h"
+#include "support/loop_variants.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -247,13 +249,15 @@ TEST(GrowPlaneRegion, WritesIntoNobodyElsesPixels) {
 }
 
 void expectAsPlain(const cv::Mat& full, const cv::Mat& map, const cv::Vec3f& normal, const cv::Mat& seeds, int input) {
-    cv::Mat cloud = seeds.clone();
-    internal::growPlaneRegion(full, map, normal, cloud);
     const cv::Mat expected = plain::growPlaneRegion(full, map, normal, seeds);
-    EXPECT_TRUE(sameBits(cloud, expected)) << "input " << input;
-    cv::Mat part = calib::asSubMatrix(seeds);
-    internal::growPlaneRegion(calib::asSubMatrix(full), calib::asSubMatrix(map), normal, part);
-    EXPECT_TRUE(sameBits(part, expected)) << "input " << input << " as parts of wider matrices";
+    forEachLoopVariant([&] {
+        cv::Mat cloud = seeds.clone();
+        internal::growPlaneRegion(full, map, normal, cloud);
+        EXPECT_TRUE(sameBits(cloud, expected)) << "input " << input;
+        cv::Mat part = calib::asSubMatrix(seeds);
+        internal::growPlaneRegion(calib::asSubMatrix(full), calib::asSubMatrix(map), normal, part);
+        EXPECT_TRUE(sameBits(part, expected)) << "input " << input << " as parts of wider matrices";
+    });
 }
 
 /// A map of few colours, so that regions hang together; now and then a colour that is no number.
@@ -274,9 +278,9 @@ cv::Mat patchyMap(calib::Random& random, int rows, int columns) {
 
 TEST(GrowPlaneRegion, AgreesWithThePlainFormOnPatchyMaps) {
     calib::Random random(121);
-    for (int i = 0; i < 800; ++i) {
+    for (int i = 0; i < 2000; ++i) {
         const int rows = random.within(1, 16);
-        const int columns = random.within(1, 16);
+        const int columns = random.chance(10) ? random.within(60, 140) : random.within(1, 16);
         const cv::Mat full =
             calib::randomCloud(random, rows, columns, static_cast<calib::CloudKind>(random.below(3)), 20);
         const cv::Mat seeds = calib::randomCloud(random, rows, columns, calib::CloudKind::kFloats,
@@ -284,6 +288,80 @@ TEST(GrowPlaneRegion, AgreesWithThePlainFormOnPatchyMaps) {
         const cv::Vec3f normal = random.chance(70) ? kFlat : cv::Vec3f(random.between(-1, 1), random.between(-1, 1), 1);
         expectAsPlain(full, patchyMap(random, rows, columns), normal, seeds, i);
     }
+}
+
+/// Corridors one pixel wide between walls one pixel wide, winding inward; a seed at the outer end.
+Drawing spiral(const cv::Size& size) {
+    std::vector<std::string> rows(static_cast<std::size_t>(size.height),
+                                  std::string(static_cast<std::size_t>(size.width), '#'));
+    const auto at = [&rows](const cv::Point& p) -> char& {
+        return rows.at(static_cast<std::size_t>(p.y)).at(static_cast<std::size_t>(p.x));
+    };
+    cv::Rect left(1, 1, size.width - 2, size.height - 2);
+    cv::Point pixel(1, 1);
+    const auto goTo = [&](const cv::Point& corner) {
+        for (; pixel != corner; pixel += cv::Point((corner.x > pixel.x) - (corner.x < pixel.x),
+                                                   (corner.y > pixel.y) - (corner.y < pixel.y))) {
+            at(pixel) = '.';
+        }
+        at(pixel) = '.';
+    };
+    for (; left.width > 3 && left.height > 3;
+         left = cv::Rect(left.x + 2, left.y + 2, left.width - 4, left.height - 4)) {
+        goTo({left.x + left.width - 1, left.y});
+        goTo({left.x + left.width - 1, left.y + left.height - 1});
+        goTo({left.x, left.y + left.height - 1});
+        goTo({left.x, left.y + 2});
+        goTo({left.x + 2, left.y + 2});
+    }
+    at({1, 1}) = 's';
+    return Drawing(rows);
+}
+
+/// Every second column a corridor, joined with the next one at the bottom and the top in turn.
+Drawing meander(const cv::Size& size, bool upright) {
+    std::vector<std::string> rows(static_cast<std::size_t>(size.height),
+                                  std::string(static_cast<std::size_t>(size.width), '#'));
+    for (int y = 1; y < size.height - 1; ++y) {
+        for (int x = 1; x < size.width - 1; ++x) {
+            const int across = upright ? x : y;
+            const int end = (across / 2) % 2 == 0 ? 1 : (upright ? size.height : size.width) - 2;
+            if (across % 2 == 1 || (upright ? y : x) == end) {
+                rows.at(static_cast<std::size_t>(y)).at(static_cast<std::size_t>(x)) = '.';
+            }
+        }
+    }
+    rows.at(1).at(1) = 's';
+    return Drawing(rows);
+}
+
+Drawing chessBoard(const cv::Size& size) {
+    std::vector<std::string> rows(static_cast<std::size_t>(size.height));
+    for (int y = 0; y < size.height; ++y) {
+        for (int x = 0; x < size.width; ++x) {
+            rows.at(static_cast<std::size_t>(y)) += (x + y) % 2 == 0 ? '.' : (x % 14 == 3 ? 's' : '#');
+        }
+    }
+    return Drawing(rows);
+}
+
+int countKept(const Drawing& drawing) {
+    int kept = 0;
+    for (const std::string& row : grown(drawing)) {
+        kept += static_cast<int>(std::count(row.begin(), row.end(), 'x'));
+    }
+    return kept;
+}
+
+TEST(GrowPlaneRegion, AgreesWithThePlainFormInLabyrinths) {
+    for (const cv::Size& size :
+         {cv::Size(9, 9), cv::Size(63, 40), cv::Size(64, 41), cv::Size(65, 64), cv::Size(130, 129), cv::Size(200, 7)}) {
+        for (const Drawing& drawing : {spiral(size), meander(size, true), meander(size, false), chessBoard(size)}) {
+            expectAsPlain(drawing.full, drawing.map, kFlat, drawing.seeds, size.width);
+        }
+    }
+    EXPECT_GT(countKept(spiral({65, 65})), 1500) << "the flood does not follow the spiral";
+    EXPECT_GT(countKept(meander({65, 65}, true)), 1900) << "the flood does not follow the meander";
 }
 
 TEST(GrowPlaneRegion, AgreesWithThePlainFormOnNoisyFloors) {

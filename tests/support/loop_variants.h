@@ -24,6 +24,16 @@ private:
     internal::LoopVariant before_;
 };
 
+/// Calls `test()` once with every variant of the pixel loops that this machine can run.
+template <typename Test>
+void forEachLoopVariant(Test test) {
+    for (const internal::LoopVariant variant : internal::runnableLoopVariants()) {
+        SCOPED_TRACE(nameOf(variant));
+        const LoopVariantInUse inUse(variant);
+        test();
+    }
+}
+
 /// For tests that are repeated with every variant of the pixel loops that this machine can run.
 class EveryLoopVariant : public ::testing::TestWithParam<internal::LoopVariant> {
     LoopVariantInUse inUse_{GetParam()};
