@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <limits>
 
 #include "common/bit_image.h"
@@ -19,7 +20,6 @@ constexpr int kWordBits = 64;
 /// Coordinates up to here (mm) leave the hull's cross products within 31 bits. Footprints that reach beyond keep all
 /// points: whatever such points make of the hull, they make of it.
 constexpr int kFarthest = 16000;
-constexpr int kBuckets = 1024;
 
 /// Scratch of one thread; holds nothing between calls.
 struct Workspace {
@@ -191,35 +191,36 @@ bool projectPoints(const cv::Mat& cloud, const PlaneFrame& plane, const InnerPol
     });
 }
 
-/// The value at an index of the ascending heights, none of them NaN or infinite.
-///
-/// Buckets of equal width keep the order, so the bucket in which the index falls holds the value.
-float selectByBuckets(float* heights, std::size_t count, std::size_t index, float lowest, float scale) {
-    constexpr std::size_t kChunk = 256;
-    std::array<std::int32_t, kChunk> buckets{};
-    std::array<std::size_t, kBuckets> sizes{};
-    const auto forEachBucket = [&](auto visit) {
-        for (std::size_t i = 0; i < count; i += kChunk) {
-            const std::size_t chunk = std::min(kChunk, count - i);
-            objectPointsLoops().findBuckets(heights + i, static_cast<int>(chunk), lowest, scale, buckets.data());
-            for (std::size_t k = 0; k < chunk; ++k) {
-                visit(static_cast<std::size_t>(buckets[k]), heights[i + k]);
-            }
-        }
-    };
-    forEachBucket([&sizes](std::size_t bucket, float /*height*/) { ++sizes[bucket]; });
-    std::size_t wanted = 0;
-    std::size_t below = 0;
-    while (below + sizes[wanted] <= index) {
-        below += sizes[wanted++];
+/// A height that some more than the last `wanted` of the ascending heights reach, judging by a sample; 0, which all
+/// reach, when the sample is too small to tell.
+float guessBound(const float* heights, std::size_t count, std::size_t wanted) {
+    constexpr std::size_t kSample = 1024;
+    std::array<float, kSample> sample{};
+    if (count < 2 * kSample) {
+        return 0.0F;
     }
-    float* end = heights;
-    forEachBucket([&end, wanted](std::size_t bucket, float height) {
-        *end = height;
-        end += bucket == wanted ? 1 : 0;
-    });
-    float* const value = heights + (index - below);
-    std::nth_element(heights, value, end);
+    const std::size_t step = count / kSample;
+    for (std::size_t i = 0; i < kSample; ++i) {
+        const float height = heights[i * step];
+        sample[i] = std::isnan(height) ? 0.0F : height;
+    }
+    // Of as many as are expected among the sample, four standard deviations more.
+    const double expected = static_cast<double>(wanted) * kSample / static_cast<double>(count);
+    const auto rank = static_cast<std::size_t>(expected + 4.0 * std::sqrt(expected) + 4.0);
+    std::nth_element(sample.begin(), sample.begin() + rank, sample.end(), std::greater<>());
+    return sample[rank];
+}
+
+/// NaN has no place in an order; sorted to the end it cannot upset the selection among the numbers.
+float quantileAmongOddHeights(const float* heights, std::size_t count, std::size_t index) {
+    std::vector<float> sorted(heights, heights + count);
+    const auto numbersEnd =
+        std::partition(sorted.begin(), sorted.end(), [](float height) { return !std::isnan(height); });
+    const auto value = sorted.begin() + static_cast<std::ptrdiff_t>(index);
+    if (value >= numbersEnd) {
+        return std::numeric_limits<float>::quiet_NaN();
+    }
+    std::nth_element(sorted.begin(), value, numbersEnd);
     return *value;
 }
 
@@ -236,25 +237,26 @@ void collectObjectPoints(const cv::Mat& cloud, const cv::Vec3f& normal, float of
     }
 }
 
-float heightQuantile(float* heights, std::size_t count) {
+// Only the few heights beyond a guess are put in order, all of them when the guess was too high: for 50000 heights 0.01
+// instead of 0.4 ms.
+float heightQuantile(const float* heights, std::size_t count) {
     constexpr double kQuantile = 0.99;
     const auto index = static_cast<std::size_t>(static_cast<double>(count) * kQuantile);
-    float lowest = 0.0F;
-    float highest = 0.0F;
-    const bool numbers = objectPointsLoops().findRange(heights, static_cast<int>(count), &lowest, &highest);
-    // 0 when the range is infinite; infinite, or NaN, when it is next to nothing.
-    const float scale = static_cast<float>(kBuckets - 1) / (highest - lowest);
-    if (numbers && scale > 0.0F && std::isfinite(scale)) {
-        return selectByBuckets(heights, count, index, lowest, scale);
+    const std::size_t fromEnd = count - index;  // 1 for the last
+    thread_local GrowingBuffer<float> storage;
+    float* const found = storage.atLeast(count);
+    bool numbers = true;
+    int size = objectPointsLoops().collectFrom(heights, static_cast<int>(count), guessBound(heights, count, fromEnd),
+                                               found, &numbers);
+    if (!numbers) {
+        return quantileAmongOddHeights(heights, count, index);
     }
-    // NaN has no place in an order; sorted to the end it cannot upset the selection among the numbers.
-    float* const numbersEnd =
-        std::partition(heights, heights + count, [](float height) { return !std::isnan(height); });
-    if (heights + index >= numbersEnd) {
-        return std::numeric_limits<float>::quiet_NaN();
+    if (static_cast<std::size_t>(size) < fromEnd) {
+        size = objectPointsLoops().collectFrom(heights, static_cast<int>(count), 0.0F, found, &numbers);
     }
-    std::nth_element(heights, heights + index, numbersEnd);
-    return heights[index];
+    float* const value = found + (static_cast<std::size_t>(size) - fromEnd);
+    std::nth_element(found, value, found + size);
+    return *value;
 }
 
 }  // namespace quorvel::internal

@@ -33,7 +33,7 @@ void collectObjectPoints(const cv::Mat& cloud, const cv::Vec3f& normal, float of
                          ObjectPoints& object);
 
 /// The value at index trunc(0.99 n) of the ascending heights.
-/// \param heights `count` of them, at least one; reordered perhaps. NaN counts as larger than any number.
-float heightQuantile(float* heights, std::size_t count);
+/// \param heights `count` of them, at least one, none negative. NaN counts as larger than any number.
+float heightQuantile(const float* heights, std::size_t count);
 
 }  // namespace quorvel::internal

@@ -69,53 +69,30 @@ float projectRow(const float* points, int count, const PlaneFrame& plane, const 
     return result;
 }
 
-bool findRange(const float* values, int count, float* lowest, float* highest) {
-    float low = values[0];
-    float high = values[0];
-    bool numbers = true;
-    int i = 0;
-    if (count >= kLanes) {
-        Floats lows = load(values);
-        Floats highs = lows;
-        Mask odd = lows != lows;
-        for (; i + kLanes <= count; i += kLanes) {
-            const Floats v = load(values + i);
-            lows = smaller(v, lows);
-            highs = larger(v, highs);
-            odd = odd | (v != v);
-        }
-        numbers = laneBits(odd) == 0;
-        float someLows[kLanes];
-        float someHighs[kLanes];
-        store(someLows, lows);
-        store(someHighs, highs);
-        for (int lane = 0; lane < kLanes; ++lane) {
-            low = someLows[lane] < low ? someLows[lane] : low;
-            high = someHighs[lane] > high ? someHighs[lane] : high;
-        }
-    }
-    for (; i < count; ++i) {
-        low = values[i] < low ? values[i] : low;
-        high = values[i] > high ? values[i] : high;
-        numbers = numbers && !isnan(values[i]);
-    }
-    *lowest = low;
-    *highest = high;
-    return numbers;
-}
-
-void findBuckets(const float* values, int count, float lowest, float scale, int32_t* buckets) {
+int collectFrom(const float* values, int count, float bound, float* found, bool* numbers) {
+    int size = 0;
+    Mask odd = all(0.0F) != all(0.0F);
     int i = 0;
     for (; i + kLanes <= count; i += kLanes) {
-        store(buckets + i, truncated((load(values + i) - all(lowest)) * all(scale)));
+        const Floats v = load(values + i);
+        odd = odd | (v != v);
+        const uint32_t chosenLanes = laneBits(v >= all(bound));
+        for (int lane = 0; chosenLanes >> lane != 0; ++lane) {
+            found[size] = values[i + lane];
+            size += static_cast<int>(chosenLanes >> lane & 1U);
+        }
     }
+    *numbers = laneBits(odd) == 0;
     for (; i < count; ++i) {
-        buckets[i] = static_cast<int32_t>((values[i] - lowest) * scale);
+        found[size] = values[i];
+        size += values[i] >= bound ? 1 : 0;
+        *numbers = *numbers && values[i] == values[i];
     }
+    return size;
 }
 
 }  // namespace
 
-const ObjectPointsLoops objectPointsLoops{findPoints, projectRow, findRange, findBuckets};
+const ObjectPointsLoops objectPointsLoops{findPoints, projectRow, collectFrom};
 
 }  // namespace quorvel::internal::QUORVEL_VARIANT

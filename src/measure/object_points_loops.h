@@ -47,14 +47,12 @@ struct ObjectPointsLoops {
     float (*projectRow)(const float* points, int count, const PlaneFrame& plane, const InnerPolygon& polygon,
                         const ProjectedRow& row);
 
-    /// \param values `count` values, at least one
-    /// \param[out] lowest,highest their range; of no meaning with NaN among them
-    /// \return whether none is NaN
-    bool (*findRange)(const float* values, int count, float* lowest, float* highest);
-
-    /// Sorts values into buckets of equal width: bucket number (value - lowest) scale, truncated.
-    /// \param values `count` values, none below `lowest`, none NaN
-    void (*findBuckets)(const float* values, int count, float lowest, float scale, std::int32_t* buckets);
+    /// Collects the values that are at least a bound.
+    /// \param values `count` values
+    /// \param[out] found those values, in their order; room for `count`
+    /// \param[out] numbers whether no value is NaN
+    /// \return their number
+    int (*collectFrom)(const float* values, int count, float bound, float* found, bool* numbers);
 };
 
 QUORVEL_DECLARE_LOOPS(ObjectPointsLoops, objectPointsLoops)

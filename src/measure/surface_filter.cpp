@@ -208,8 +208,8 @@ AcceptedHeights acceptSurfacePoints(const cv::Mat& cloud, const cv::Vec3f& unitN
     float heightSum = 0.0F;
     int count = 0;
     const auto split = [&](int row) {
-        return loops.splitRow(cloud.ptr<float>(row), cloud.cols, normal, offset, pair.planes(row), pair.heights(row),
-                              scratch.present.row(row));
+        return loops.splitRow(cloud.ptr<float>(row), cloud.cols, row, normal, offset, pair.planes(row),
+                              pair.heights(row), scratch.present.row(row));
     };
     bool numbers = split(0);
     for (int row = 0; row + 1 < cloud.rows; ++row) {

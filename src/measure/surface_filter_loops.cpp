@@ -25,11 +25,11 @@ inline Points loadAt(const PointPlanes& planes, int column) {
 struct Comparison {
     Mask pixel;      ///< the pixel lies steeply below the neighbour
     Mask neighbour;  ///< the neighbour lies steeply below the pixel
-    Mask doubt;
+    Mask decided;
 };
 
-/// With d = n . (p - q) and l = |p - q|, d / l > 0.8 is d |d| > 0.64 l^2. Equal points have no direction and are never
-/// steep, as in the exact form, where 0 / 0 compares false.
+/// With d = n . (p - q) and l = |p - q|, d / l > 0.8 is d |d| > 0.64 l^2. Equal points are left to the exact form, in
+/// which 0 / 0 compares false.
 inline Comparison compare(const Points& p, const Points& q, const Points& normal) {
     const Floats x = p.x - q.x;
     const Floats y = p.y - q.y;
@@ -38,40 +38,52 @@ inline Comparison compare(const Points& p, const Points& q, const Points& normal
     const Floats square = x * x + y * y + z * z;
     const Floats signedSquare = along * absolute(along);
     const Floats steepLimit = square * all(kSurelySteep);
-    const Mask steep = absolute(signedSquare) >= steepLimit;
-    const Mask flat = absolute(signedSquare) <= square * all(kSurelyFlat);
     const Mask precise = square >= all(kSmallestSquare);
-    const Mask apart = anyBits(anyBits(x, y), z) != all(0.0F);
-    return {precise & (signedSquare >= steepLimit), precise & ((all(0.0F) - signedSquare) >= steepLimit),
-            apart & ~(precise & (steep | flat))};
+    const Mask pixel = precise & (signedSquare >= steepLimit);
+    const Mask neighbour = precise & (signedSquare <= all(0.0F) - steepLimit);
+    const Mask flat = precise & (absolute(signedSquare) <= square * all(kSurelyFlat));
+    return {pixel, neighbour, pixel | neighbour | flat};
 }
 
-/// Clears what may be read around a row.
-inline void clearOutside(float* plane, int count) {
-    plane[-1] = 0.0F;
-    for (int i = count; i <= (count + 63) / 64 * 64; ++i) {
-        plane[i] = 0.0F;
+/// Where an absent point is put, so that no two points beside one another are equal or too near to be compared in
+/// floats: comparisons with absent points count for nothing, but each that floats cannot decide costs an exact one.
+inline Floats absentPlace(int column, int row) {
+    constexpr float kApart = 1e6F;  // mm
+    const Floats columns = all(static_cast<float>(column)) + laneNumbers();
+    return (columns + all(row % 2 == 0 ? 1.0F : 1.5F)) * all(kApart);
+}
+
+/// Fills what may be read around a row with absent points.
+inline void surroundRow(const PointPlanes& planes, int count, int row) {
+    const auto putAbsent = [&](int column) {
+        float place[kLanes];
+        store(place, absentPlace(column, row));
+        planes.x[column] = place[0];
+        planes.y[column] = 0.0F;
+        planes.z[column] = 0.0F;
+    };
+    putAbsent(-1);
+    for (int column = count; column <= (count + 63) / 64 * 64; ++column) {
+        putAbsent(column);
     }
 }
 
-bool splitRow(const float* points, int count, Direction normal, float offset, PointPlanes planes, float* heights,
-              uint64_t* present) {
+bool splitRow(const float* points, int count, int row, Direction normal, float offset, PointPlanes planes,
+              float* heights, uint64_t* present) {
     Mask wild = all(0.0F) != all(0.0F);
     const Points plane = allOf(normal);
     const Floats limit = all(kLargestCoordinate);
     for (int column = 0; column < count; column += kLanes) {
         const Points p = loadSome(points + 3 * column, count - column);
-        store(planes.x + column, p.x);
+        const Mask isPoint = isPresent(p);
+        store(planes.x + column, chosen(isPoint, p.x, absentPlace(column, row)));
         store(planes.y + column, p.y);
         store(planes.z + column, p.z);
-        const Mask isPoint = isPresent(p);
         store(heights + column, valueWhere(isPoint, absolute(signedDistance(p, plane, all(offset)))));
         putBits(present, column, laneBits(isPoint));
         wild = wild | ~((absolute(p.x) <= limit) & (absolute(p.y) <= limit) & (absolute(p.z) <= limit));
     }
-    clearOutside(planes.x, count);
-    clearOutside(planes.y, count);
-    clearOutside(planes.z, count);
+    surroundRow(planes, count, row);
     return laneBits(wild) == 0;
 }
 
@@ -89,7 +101,8 @@ void markSteep(const PointPlanes& row, const PointPlanes& next, int count, Direc
         putBits(steep.belowLeft, column, laneBits(belowLeft.neighbour));
         putBits(steep.below, column, laneBits(below.neighbour));
         putBits(steep.belowRight, column, laneBits(belowRight.neighbour));
-        putBits(steep.doubt, column, laneBits(right.doubt | belowLeft.doubt | below.doubt | belowRight.doubt));
+        putBits(steep.doubt, column,
+                laneBits(~(right.decided & belowLeft.decided & below.decided & belowRight.decided)));
     }
 }
 

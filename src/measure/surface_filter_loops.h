@@ -9,7 +9,7 @@
 namespace quorvel::internal {
 
 /// One row of points taken apart. Each array may be read one value before its start and to the next multiple of 64 plus
-/// one value after its end; what lies outside the row is 0.
+/// one value after its end. Absent points, and what lies outside the row, stand far apart from everything.
 struct PointPlanes {
     float* x = nullptr;
     float* y = nullptr;
@@ -31,12 +31,13 @@ struct SteepBits {
 struct SurfaceFilterLoops {
     /// Takes a row of points apart.
     /// \param points `count` points (x, y, z), mm
+    /// \param row number of the row
     /// \param normal,offset the plane
-    /// \param[out] heights |normal . p - offset|, 0 where there is no point; room as in PointPlanes; mm
+    /// \param[out] heights |normal . p - offset|, 0 where there is no point; mm
     /// \param[out] present the pixels that hold a point; 0 on entry
     /// \return whether every coordinate is a number of at most 1e15 mm
-    bool (*splitRow)(const float* points, int count, Direction normal, float offset, PointPlanes planes, float* heights,
-                     std::uint64_t* present);
+    bool (*splitRow)(const float* points, int count, int row, Direction normal, float offset, PointPlanes planes,
+                     float* heights, std::uint64_t* present);
 
     /// Compares every pixel of a row with its right neighbour and with the three below it.
     /// \param row,next two rows of `count` points, one above the other, no coordinate beyond 1e15 mm

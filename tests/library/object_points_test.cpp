@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "measure/object_points.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstddef>
 #include <vector>
@@ -127,18 +128,34 @@ INSTANTIATE_TEST_SUITE_P(Loops, ObjectPointsLoops, runnableLoopVariants(), loopV
 TEST_P(ObjectPointsLoops, QuantileAgreesWithAFullSort) {
     Draws draws(106);
     for (int run = 0; run < 2000; ++run) {
-        const int count = draws.chance(50) ? draws.between(1, 12) : draws.between(90, 700);
+        const int count = draws.chance(50)   ? draws.between(1, 12)
+                          : draws.chance(80) ? draws.between(90, 700)
+                                             : draws.between(2000, 6000);
         const int distinct = draws.chance(50) ? 7 : 100000;
+        const bool sorted = draws.chance(10);
+        const bool odd = draws.chance(40);
         Floats heights(static_cast<std::size_t>(count));
         for (float& height : heights) {
             height = static_cast<float>(draws.below(distinct)) * 0.25F;
-            if (draws.below(300) == 0) {
+            height = sorted ? static_cast<float>(&height - heights.data()) : height;
+            if (odd && draws.below(300) == 0) {
                 height = draws.chance(60) ? kNaN : kInfinity;
             }
         }
         const float expected = plain::heightQuantile(heights);
         ASSERT_TRUE(sameBits(heightQuantile(heights), expected)) << "run " << run << ", " << count;
     }
+}
+
+TEST_P(ObjectPointsLoops, QuantileIsRightWhenASampleMisleads) {
+    // Every fourth height is large: whoever looks at those alone expects far more large ones than there are.
+    Floats heights(4096);
+    for (std::size_t i = 0; i < heights.size(); ++i) {
+        heights[i] = i % 4 == 0 ? 1000.0F + static_cast<float>(i) : 5.0F;
+    }
+    EXPECT_EQ(heightQuantile(heights), plain::heightQuantile(heights));
+    std::rotate(heights.begin(), heights.begin() + 1, heights.end());
+    EXPECT_EQ(heightQuantile(heights), plain::heightQuantile(heights));
 }
 
 /// Points of a rough surface, of a few places or of wild coordinates, some of them absent.
