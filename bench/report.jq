@@ -2,13 +2,15 @@
 # Tables of docs/performance.md and data for its plots, from what the benchmark programs write.
 
 def wanted: {
-  "intake": 2, "measureOnce": 10, "sampling-calibration": 10, "growing-calibration": 6, "tracking-frame": 8,
-  "batch-of-four": 10
+  "intake": 2, "measureOnce": 10, "sampling-calibration": 10, "growing-calibration": 6,
+  "sampling-calibration-no-files": 10, "growing-calibration-no-files": 6, "tracking-frame": 8, "batch-of-four": 10
 };
 
 def road_names: {
   "intake": "intake", "measureOnce": "measureOnce", "single-shot": "intake and measureOnce",
   "sampling-calibration": "sampling calibration, 80 % area", "growing-calibration": "growing calibration, 80 % area",
+  "sampling-calibration-no-files": "sampling calibration, folder not writable",
+  "growing-calibration-no-files": "growing calibration, folder not writable",
   "tracking-frame": "tracking frame: intake, fit, measureOnce", "batch-of-four": "batch of four"
 };
 

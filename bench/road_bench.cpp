@@ -14,6 +14,13 @@ Work inBothForms(const std::string& name, const cv::Size& size, double bytes,
     return {name, sizeName(size), bytes, [make] { return make(plainRoad()); }, [make] { return make(fastRoad()); }};
 }
 
+/// Its calibrations cannot leave their files, and spend no time on them; libtiff says so on standard error.
+Quorvel withoutFiles(Quorvel ruler) {
+    ruler.paramDir = "missing/param";
+    ruler.calFilePath = ruler.paramDir + "/cal.txt";
+    return ruler;
+}
+
 Works roadAt(const cv::Size& size) {
     const sim::Camera camera = parcelScene(size).camera;
     return {inBothForms("intake", size, intakeBytes(size),
@@ -35,6 +42,16 @@ Works roadAt(const cv::Size& size) {
             inBothForms("growing-calibration", size, calibrationBytes(size),
                         [=](const RoadForm& form) {
                             return calibrationRun(form, makeRuler(camera, GROUND_GROWING), parcelFrames(size).empty);
+                        }),
+            inBothForms("sampling-calibration-no-files", size, calibrationBytes(size),
+                        [=](const RoadForm& form) {
+                            return calibrationRun(form, withoutFiles(makeRuler(camera, KIOSK)),
+                                                  parcelFrames(size).empty);
+                        }),
+            inBothForms("growing-calibration-no-files", size, calibrationBytes(size),
+                        [=](const RoadForm& form) {
+                            return calibrationRun(form, withoutFiles(makeRuler(camera, GROUND_GROWING)),
+                                                  parcelFrames(size).empty);
                         }),
             inBothForms("tracking-frame", size, trackingBytes(size),
                         [=](const RoadForm& form) {

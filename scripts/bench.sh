@@ -22,7 +22,8 @@ if $quick; then
 fi
 road_sizes=(640x480 1280x720 1920x1080)
 sweep_sizes=(320x240 640x480 848x480 1280x720 1920x1080 2560x1440 3840x2160)
-works=(intake measureOnce single-shot sampling-calibration growing-calibration tracking-frame batch-of-four)
+works=(intake measureOnce single-shot sampling-calibration growing-calibration sampling-calibration-no-files
+  growing-calibration-no-files tracking-frame batch-of-four)
 
 scripts/setup.sh --dev
 cmake --preset release >/dev/null
