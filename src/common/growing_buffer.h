@@ -17,6 +17,7 @@ public:
         if (count > capacity_) {
             values_.reset();  // before the new storage, so that both never stand side by side
             capacity_ = 0;
+            // Not make_unique, which would clear the storage. NOLINTNEXTLINE(cppcoreguidelines-owning-memory)
             values_.reset(new Value[count]);
             capacity_ = count;
         }

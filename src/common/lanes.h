@@ -545,9 +545,9 @@ template <int Bits>
     to[2] = z.v;
 }
 [[maybe_unused]] inline Floats lengthInDouble(Floats x, Floats y, Floats z) {
-    const double p = static_cast<double>(x.v);
-    const double q = static_cast<double>(y.v);
-    const double r = static_cast<double>(z.v);
+    const auto p = static_cast<double>(x.v);
+    const auto q = static_cast<double>(y.v);
+    const auto r = static_cast<double>(z.v);
     return {static_cast<float>(sqrt(p * p + q * q + r * r))};
 }
 
@@ -582,3 +582,5 @@ struct EightSums {
 }  // namespace
 
 }  // namespace quorvel::internal::QUORVEL_VARIANT
+
+// NOLINTEND(cert-dcl59-cpp,misc-definitions-in-headers,modernize-deprecated-headers,cppcoreguidelines-pro-type-reinterpret-cast)

@@ -22,7 +22,8 @@ LoopVariant loopVariant();
 /// Makes later calls use a variant that this machine can run: tests compare them with one another.
 void useLoopVariant(LoopVariant variant);
 
-/// Picks the loops of the variant in use.
+/// Declares the loops of every variant and a function that picks those of the variant in use.
+// It makes names, which no template can. NOLINTBEGIN(cppcoreguidelines-macro-usage)
 #if defined(QUORVEL_AVX2_LOOPS)
 #define QUORVEL_DECLARE_LOOPS(Type, name) \
     namespace plain {                     \
@@ -57,5 +58,6 @@ void useLoopVariant(LoopVariant variant);
         return loopVariant() == LoopVariant::Plain ? plain::name : baseline::name; \
     }
 #endif
+// NOLINTEND(cppcoreguidelines-macro-usage)
 
 }  // namespace quorvel::internal

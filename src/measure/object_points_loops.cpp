@@ -71,7 +71,7 @@ float projectRow(const float* points, int count, const PlaneFrame& plane, const 
 
 int collectFrom(const float* values, int count, float bound, float* found, bool* numbers) {
     int size = 0;
-    Mask odd = all(0.0F) != all(0.0F);
+    Mask odd{};
     int i = 0;
     for (; i + kLanes <= count; i += kLanes) {
         const Floats v = load(values + i);

@@ -7,11 +7,11 @@
 
 namespace quorvel::internal::QUORVEL_VARIANT {
 
-namespace {
+namespace {  // NOLINT(cert-dcl59-cpp): see common/lanes.h
 
 /// A point with a coordinate of this size (mm) is longer than the 1e-9 mm below which it is no point, whatever the
 /// rounding of its length.
-constexpr float kSurelyAPoint = 1e-8F;
+constexpr float kSurelyAPoint = 1e-8F;  // NOLINT(misc-definitions-in-headers)
 
 struct Points {
     Floats x;

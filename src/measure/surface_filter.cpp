@@ -90,7 +90,7 @@ public:
     }
 
 private:
-    std::array<PointPlanes, 2> planes_;
+    std::array<PointPlanes, 2> planes_{};
     std::array<float*, 2> heights_{};
     std::uint64_t* bits_ = nullptr;
     int words_;

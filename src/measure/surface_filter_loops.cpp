@@ -70,7 +70,7 @@ inline void surroundRow(const PointPlanes& planes, int count, int row) {
 
 bool splitRow(const float* points, int count, int row, Direction normal, float offset, PointPlanes planes,
               float* heights, uint64_t* present) {
-    Mask wild = all(0.0F) != all(0.0F);
+    Mask wild{};
     const Points plane = allOf(normal);
     const Floats limit = all(kLargestCoordinate);
     for (int column = 0; column < count; column += kLanes) {

@@ -64,10 +64,14 @@ cv::Mat floorDepthImage(calib::Random& random) {
     return depth;
 }
 
-std::string fileText(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
+std::string fileText(const std::string& path, std::ios::openmode mode = std::ios::in) {
+    std::ifstream file(path, mode);
     EXPECT_TRUE(file) << path << " cannot be opened";
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::string fileBytes(const std::string& path) {
+    return fileText(path, std::ios::binary);
 }
 
 std::string planeLine(const Quorvel& ruler) {
@@ -92,7 +96,7 @@ void expectCalibrated(const Quorvel& ruler, float t) {
     EXPECT_EQ(fileText("param/cal.txt"), planeLine(ruler));
     EXPECT_TRUE(sameBits(cv::imread("param/depth.tif", cv::IMREAD_UNCHANGED), ruler.depthImage));
     cv::imwrite("param/expected.tif", ruler.depthImage);
-    EXPECT_EQ(fileText("param/depth.tif"), fileText("param/expected.tif")) << "other bytes than those of cv::imwrite";
+    EXPECT_EQ(fileBytes("param/depth.tif"), fileBytes("param/expected.tif")) << "other bytes than those of cv::imwrite";
 }
 
 class FittingModes : public ::testing::TestWithParam<ProductType> {

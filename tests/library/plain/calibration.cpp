@@ -44,7 +44,7 @@ void writePlane(const Quorvel& ruler) {
     static_cast<void>(std::snprintf(line.data(), line.size(), "%f %f %f %f\n", static_cast<double>(n[0]),
                                     static_cast<double>(n[1]), static_cast<double>(n[2]),
                                     static_cast<double>(ruler.refPlaneOffset)));
-    std::ofstream(ruler.calFilePath, std::ios::binary) << line.data();
+    std::ofstream(ruler.calFilePath) << line.data();
 }
 
 }  // namespace
