@@ -11,10 +11,6 @@ namespace {
 /// Widths of the columns with sizes; the widest heading, "length mm", needs 9.
 constexpr std::size_t kSizeColumn = 11;
 
-std::string rightAligned(const std::string& text, std::size_t width) {
-    return std::string(text.size() < width ? width - text.size() : 0, ' ') + text;
-}
-
 std::string sizeCells(const Sizes& sizes, int decimals) {
     std::string text;
     for (const float size : {sizes.length, sizes.width, sizes.height}) {

@@ -69,10 +69,6 @@ double framesPerSecond(const BenchRow& row) {
     return 1000.0 / row.bothMilliseconds;
 }
 
-std::string rightAligned(const std::string& text, std::size_t width) {
-    return std::string(text.size() < width ? width - text.size() : 0, ' ') + text;
-}
-
 std::string benchTable(const BenchReport& report) {
     constexpr std::size_t kColumn = 12;
     std::vector<std::pair<std::string, std::string>> rows{

@@ -2,16 +2,15 @@
 #include "bench_run.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <random>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "frame_reader.h"
 #include "input_error.h"
 #include "measurement.h"
+#include "median.h"
 #include "mode_option.h"
+#include "scratch_folder.h"
 #include "sim/render.h"
 #include "stopwatch.h"
 #include "stream_redirect.h"
@@ -23,30 +22,6 @@ namespace {
 constexpr int kWarmFrames = 3;
 constexpr std::size_t kFewestFrames = 3;
 constexpr float kLeastHeight = 100.0F;  // mm, of a parcel of 200
-
-/// For the library's calibration files, which a benchmark must not leave in the working folder; removed at the end.
-class ScratchFolder {
-public:
-    ScratchFolder() {
-        std::random_device device;
-        path_ = std::filesystem::temp_directory_path() /
-                ("quorvel-bench-" + std::to_string(device()) + "-" + std::to_string(device()));
-    }
-    ~ScratchFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-    ScratchFolder(ScratchFolder&&) = delete;
-    ScratchFolder& operator=(ScratchFolder&&) = delete;
-
-    /// \return the folder's path; the library makes it
-    std::string path() const { return path_.string(); }
-
-private:
-    std::filesystem::path path_;
-};
 
 /// A parcel of 400 x 300 x 200 mm seen from 1 m. The picture shows the same part of the surface at every size of one
 /// shape, and the noise follows the distance of neighbouring points.
@@ -112,12 +87,6 @@ Quorvel calibratedRuler(const sim::Scene& scene, ProductType mode, const std::st
 /// \return whether the parcel was measured
 bool measureFrameOnce(Quorvel& ruler, const FramePair& frame) {
     return ruler.getCameraFrame(frame.color, frame.depth) && ruler.measureOnce() == 0 && ruler.result.inView;
-}
-
-double median(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
 }
 
 BenchRow timeFrames(Quorvel& ruler, const FramePair& frame, double seconds) {

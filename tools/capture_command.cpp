@@ -53,8 +53,8 @@ Subcommand addCaptureCommand(CLI::App& app) {
     auto options = std::make_shared<MeasureOptions>();
     CLI::App* parser = app.add_subcommand("capture", "Measure one frame and keep it for a replay");
     addMeasureOptions(*parser, *options);
-    // A capture keeps one frame, and its pictures can be drawn at any time.
-    for (const char* option : {"--batch", "--tolerance", "--overlay", "--stages"}) {
+    // A capture keeps one frame; its pictures can be drawn, and its stages timed, at any time.
+    for (const char* option : {"--batch", "--tolerance", "--overlay", "--stages", "--timing"}) {
         parser->remove_option(parser->get_option(option));
     }
     for (const char* option : {"--color", "--depth"}) {

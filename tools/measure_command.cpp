@@ -9,6 +9,7 @@
 #include "exit_code.h"
 #include "measure_options.h"
 #include "measure_report.h"
+#include "measure_timing.h"
 #include "notes.h"
 #include "overlay.h"
 #include "picture_file.h"
@@ -95,6 +96,10 @@ int measureSingle(const MeasureOptions& options, const MeasureInput& input, doub
     }
     if (!options.stages.empty()) {
         writeStagePictures(options.stages, frame, input.camera, report.measurement);
+    }
+    if (options.timing) {
+        const bool planeFound = report.measurement.diagnosis.reason != Reason::NoPlane;
+        report.timing = timeMeasurement(ruler, input, options, planeFound);
     }
     std::cout << (options.json ? reportJson(report) : reportTable(report));
     return exitCodeOf(report.measurement);

@@ -28,6 +28,7 @@ std::string reportJson(const MeasureReport& report) {
     document.update(resultJson(m, report.mode));
     document["surface_points"] = m.facts.surfacePoints;
     document.update(conditionsJson(report));
+    document["timing"] = timingJson(report.timing);
     return documentText(document);
 }
 

@@ -2,7 +2,9 @@
 #include "measure_options.h"
 
 #include <cmath>
+#include <filesystem>
 #include <limits>
+#include <system_error>
 
 #include "input_error.h"
 #include "mode_option.h"
@@ -71,10 +73,26 @@ void requireBatchOptions(const MeasureOptions& options, ProductType mode) {
     if (!options.stages.empty()) {
         throw InputError("--stages: shows the stages of one frame; measure it alone, without --batch and --tolerance");
     }
+    if (options.timing) {
+        throw InputError("--timing: times the stages of one frame; measure it alone, without --batch and --tolerance");
+    }
     if (!options.batch.empty() && !(options.frames.colors.empty() && options.frames.depths.empty())) {
         throw InputError(
             "--batch: names all frames of the folder; leave out --color and --depth, or list all frames "
             "with them");
+    }
+}
+
+/// Refuses what can be read only once, such as a pipe, or would be waited for: timing reads every file again.
+void requireRereadable(const MeasureOptions& options) {
+    std::vector<std::string> paths{options.frames.camera.file, options.emptyColor, options.emptyDepth, options.params};
+    paths.insert(paths.end(), options.frames.colors.begin(), options.frames.colors.end());
+    paths.insert(paths.end(), options.frames.depths.begin(), options.frames.depths.end());
+    for (const std::string& path : paths) {
+        std::error_code unreadable;
+        if (std::filesystem::is_other(path, unreadable)) {
+            throw InputError(path + ": --timing reads it several times, and it is no regular file; copy it to one");
+        }
     }
 }
 
@@ -179,6 +197,7 @@ void addMeasureOptions(CLI::App& parser, MeasureOptions& options) {
     parser.add_option("--overlay", options.overlay, "write the colour image with the box drawn on it")
         ->type_name("FILE");
     parser.add_option("--stages", options.stages, "write a picture of every stage into a folder")->type_name("DIR");
+    parser.add_flag("--timing", options.timing, "how long each stage takes, each repeated on the same frame");
     parser.add_flag("--debug", options.debug, "the library's diagnostic lines on standard error");
 }
 
@@ -190,6 +209,9 @@ MeasureInput readMeasureInput(const MeasureOptions& options) {
     if (isBatch(options)) {
         requireBatchOptions(options, input.settings.mode);
         input.tolerance = parseTolerance(options.tolerance);
+    }
+    if (options.timing) {
+        requireRereadable(options);
     }
     input.settings.filterWeight = options.filterWeight;
     input.settings.sideBand = options.sideBand;

@@ -35,6 +35,7 @@ struct MeasureOptions {
     bool json = false;
     std::string overlay;
     std::string stages;
+    bool timing = false;
     bool debug = false;
 };
 

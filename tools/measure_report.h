@@ -6,6 +6,7 @@
 
 #include "calibration.h"
 #include "camera.h"
+#include "measure_timing.h"
 #include "measurement.h"
 
 namespace quorvel::command {
@@ -27,6 +28,8 @@ struct MeasureReport {
     std::string stages;
     /// Duration of reading the files, ms.
     double readMilliseconds = 0.0;
+    /// The durations of the stages, if they were asked for.
+    std::optional<MeasureTiming> timing;
 };
 
 /// \return "measured", "out_of_view" (a box was found, but leaves the usable picture), "empty" (no box was found) or
@@ -50,6 +53,10 @@ std::string statusOf(const Measurement& measurement);
 /// - calibration: null, or {measured_pixels, pixels_near_plane, plane_file, depth_file}
 /// - filter_weight, min_height_mm: number; min_object_pixels: integer
 /// - timings_ms: {read, calibrate, frame, measure}: numbers, calibrate null without a calibration first
+/// - timing: null unless asked for, else {repetitions: integer, and the median of every part in ms: reading,
+/// calibrating,
+///   frameIntake, planeRefit, groundRemoval, heightCut, objectComponent, objectWindow, surfaceFilter, footprint,
+///   measureOnce: numbers, null for a part that did not run}
 /// Numbers that are no finite numbers are null.
 /// \return the object, indented, ended by a line break
 std::string reportJson(const MeasureReport& report);

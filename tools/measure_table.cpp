@@ -11,8 +11,7 @@ namespace {
 std::string millimetres(float value) {
     // Right-aligned over lengths up to 99999.9 mm, so that the three sizes stand below one another.
     constexpr std::size_t kWidth = 7;
-    const std::string text = fixed(static_cast<double>(value), 1);
-    return std::string(text.size() < kWidth ? kWidth - text.size() : 0, ' ') + text + " mm";
+    return rightAligned(fixed(static_cast<double>(value), 1), kWidth) + " mm";
 }
 
 void addSizes(const MeasureResult& result, Rows& rows) {
@@ -50,7 +49,8 @@ std::string reportTable(const MeasureReport& report) {
     addFlags(report, rows);
     addConditions(report, rows);
     text += tableText(rows);
-    return text + notesText(m.notes);
+    text += notesText(m.notes);
+    return report.timing ? text + timingText(*report.timing) : text;
 }
 
 }  // namespace quorvel::command

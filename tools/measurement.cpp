@@ -21,9 +21,7 @@ std::vector<cv::Point2f> cornersAnywhere(const Quorvel& ruler, const FramePair& 
     Quorvel probe = ruler;
     probe.getCameraFrame(frame.color, frame.depth);
     // GROUND_TRACKING has fitted another plane on the way in; the box is looked for on the one it was missed with.
-    probe.refPlaneNormal = ruler.refPlaneNormal;
-    probe.refPlaneOffset = ruler.refPlaneOffset;
-    probe.minObjectPixels = ruler.minObjectPixels;
+    usePlaneOf(ruler, probe);
     probe.effectiveRegion = cv::Rect(0, 0, ruler.imageWidth, ruler.imageHeight);
     probe.measureOnce();
     return probe.result.corners;
@@ -99,6 +97,12 @@ void applySettings(Quorvel& ruler, const MeasurementSettings& settings) {
     if (settings.minHeight) {
         ruler.minObjectHeight = *settings.minHeight;
     }
+}
+
+void usePlaneOf(const Quorvel& ruler, Quorvel& other) {
+    other.refPlaneNormal = ruler.refPlaneNormal;
+    other.refPlaneOffset = ruler.refPlaneOffset;
+    other.minObjectPixels = ruler.minObjectPixels;
 }
 
 Measurement describe(const Quorvel& ruler) {

@@ -56,6 +56,9 @@ void selectMode(Quorvel& ruler, const MeasurementSettings& settings);
 /// Hands the settings to the ruler, which is in its mode.
 void applySettings(Quorvel& ruler, const MeasurementSettings& settings);
 
+/// Gives another ruler for the same camera the reference plane of the first, with what follows from it.
+void usePlaneOf(const Quorvel& ruler, Quorvel& other);
+
 /// \return what the ruler measures with, without a result
 Measurement describe(const Quorvel& ruler);
 

@@ -96,6 +96,17 @@ Json conditionsJson(const MeasureReport& report) {
               {"measure", m.measureMilliseconds}}}};
 }
 
+Json timingJson(const std::optional<MeasureTiming>& timing) {
+    if (!timing) {
+        return nullptr;
+    }
+    Json object{{"repetitions", timing->repetitions}};
+    for (const TimedPart& part : timing->parts) {
+        object[part.key] = part.milliseconds ? Json(*part.milliseconds) : Json();
+    }
+    return object;
+}
+
 std::string documentText(const Json& document) {
     // File names may hold bytes that are no UTF-8; they are replaced rather than refused.
     return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include <nlohmann/json.hpp>
@@ -21,6 +22,9 @@ Json resultJson(const Measurement& measurement, ProductType mode);
 
 /// \return plane, camera, areas, calibration, filter_weight, min_height_mm, min_object_pixels and timings_ms
 Json conditionsJson(const MeasureReport& report);
+
+/// \return null without a timing, else repetitions and the parts
+Json timingJson(const std::optional<MeasureTiming>& timing);
 
 /// \return the document, indented, ended by a line break
 std::string documentText(const Json& document);

@@ -36,11 +36,31 @@ void addSettings(const MeasureReport& report, Rows& rows) {
     }
 }
 
+std::string partMilliseconds(double value) {
+    constexpr int kDecimals = 3;       // microseconds: a stage of a small picture takes some ten of them
+    constexpr std::size_t kWidth = 9;  // up to 99999.999 ms
+    return rightAligned(fixed(value, kDecimals), kWidth) + " ms";
+}
+
 }  // namespace
 
 void addConditions(const MeasureReport& report, Rows& rows) {
     addPlane(report.measurement.plane, rows);
     addSettings(report, rows);
+}
+
+std::string timingText(const MeasureTiming& timing) {
+    Rows rows;
+    bool refit = false;
+    for (const TimedPart& part : timing.parts) {
+        if (part.milliseconds) {
+            rows.emplace_back(part.name, partMilliseconds(*part.milliseconds));
+            refit = refit || part.key == "planeRefit";
+        }
+    }
+    const std::string heading =
+        "\n  Timing: medians of " + std::to_string(timing.repetitions) + " repetitions on this frame, after a warm-up";
+    return heading + (refit ? "; the frame intake includes the plane re-fit\n\n" : "\n\n") + tableText(rows);
 }
 
 std::string notesText(const std::vector<std::string>& notes) {

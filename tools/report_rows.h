@@ -17,6 +17,9 @@ using Rows = std::vector<std::pair<std::string, std::string>>;
 /// Adds what was measured with: the plane, the settings, the times and the files written.
 void addConditions(const MeasureReport& report, Rows& rows);
 
+/// \return a heading and one row a part that ran
+std::string timingText(const MeasureTiming& timing);
+
 /// \return one paragraph a note
 std::string notesText(const std::vector<std::string>& notes);
 

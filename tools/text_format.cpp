@@ -51,6 +51,10 @@ std::string oneLine(std::string_view text) {
     return line;
 }
 
+std::string rightAligned(const std::string& text, std::size_t width) {
+    return std::string(text.size() < width ? width - text.size() : 0, ' ') + text;
+}
+
 std::string tableText(const std::vector<std::pair<std::string, std::string>>& rows) {
     std::size_t labelWidth = 0;
     for (const auto& row : rows) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -24,6 +25,9 @@ std::string vectorText(const cv::Vec3f& vector);
 
 /// \return the text on one line: line breaks and runs of blanks become one blank
 std::string oneLine(std::string_view text);
+
+/// \return the text behind as many blanks as make it `width` characters wide
+std::string rightAligned(const std::string& text, std::size_t width);
 
 /// \param rows pairs of label and value; a pair of empty texts makes an empty line
 /// \return one indented line a row, the values aligned in a column

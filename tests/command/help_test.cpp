@@ -54,7 +54,8 @@ TEST(Help, MeasureNamesEveryOption) {
                                "--offset",      "--area",        "--filter-weight",
                                "--side-band",   "--min-height",  "--json",
                                "--overlay",     "--stages",      "--debug",
-                               "--batch",       "--tolerance",   "--params"}) {
+                               "--batch",       "--tolerance",   "--params",
+                               "--timing"}) {
         EXPECT_NE(help.find(std::string("  ") + option + " "), std::string::npos) << option << "\n" << help;
     }
     EXPECT_NE(help.find("0.1 for tenths of a millimetre, 1000 for metres"), std::string::npos) << help;

@@ -438,6 +438,8 @@ TEST_F(WrongBatch, Frames) {
     folder_.write("color_01.png", "x");
     expectRefusal(start + "--batch .", {"color_01.png", "no depth image"});
     expectRefusal(start + "--depth d0.png --stages stages", {"--stages", "one frame"});
+    expectRefusal(start + "--depth d0.png --timing", {"--timing", "one frame", "without --batch and --tolerance"});
+    expectRefusal(start + "--batch . --timing", {"--timing", "one frame", "without --batch and --tolerance"});
 }
 
 TEST_F(WrongBatch, ParameterFile) {

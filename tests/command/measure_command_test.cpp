@@ -33,7 +33,7 @@ void expectSchema(const Json& report) {
         report,
         {"version",   "status",  "reason",      "notes",          "mode",          "length_mm",         "width_mm",
          "height_mm", "in_view", "on_target",   "side_margin_px", "corners",       "surface_points",    "plane",
-         "camera",    "areas",   "calibration", "filter_weight",  "min_height_mm", "min_object_pixels", "timings_ms"},
+         "camera",    "areas",   "calibration", "filter_weight",  "min_height_mm", "min_object_pixels", "timings_ms", "timing"},
         "the report");
     EXPECT_TRUE(report["version"].is_string());
     EXPECT_TRUE(report["status"].is_string());
