@@ -230,8 +230,9 @@ TEST(CaptureCommand, LogThatIsAFileIsAnError) {
 TEST(CaptureCommand, WrongInputLeavesNoFolder) {
     const CaptureScene folder;
     folder.storePlane();
-    for (const char* options : {"--mode shop", "--mode kiosk --min-height 5", "--mode kiosk --overlay box.png",
-                                "--mode kiosk --stages pictures", "--mode kiosk --timing", "--mode kiosk --area 600,0,100,100"}) {
+    for (const char* options :
+         {"--mode shop", "--mode kiosk --min-height 5", "--mode kiosk --overlay box.png",
+          "--mode kiosk --stages pictures", "--mode kiosk --timing", "--mode kiosk --area 600,0,100,100"}) {
         const CommandRun run = folder.capture(options);
         EXPECT_EQ(run.exitCode, 2) << run.text();
         EXPECT_EQ(run.errorLines(), 1) << run.text();

@@ -48,14 +48,12 @@ TEST(Help, ExamplesOfEverySubcommandWorkOneAfterTheOther) {
 
 TEST(Help, MeasureNamesEveryOption) {
     const std::string help = runCommand("measure --help").output;
-    for (const char* option : {"--camera",      "--intrinsics",  "--color",
-                               "--depth",       "--depth-scale", "--mode",
-                               "--empty-color", "--empty-depth", "--calibration-area",
-                               "--offset",      "--area",        "--filter-weight",
-                               "--side-band",   "--min-height",  "--json",
-                               "--overlay",     "--stages",      "--debug",
-                               "--batch",       "--tolerance",   "--params",
-                               "--timing"}) {
+    for (const char* option : {"--camera",           "--intrinsics", "--color",       "--depth",
+                               "--depth-scale",      "--mode",       "--empty-color", "--empty-depth",
+                               "--calibration-area", "--offset",     "--area",        "--filter-weight",
+                               "--side-band",        "--min-height", "--json",        "--overlay",
+                               "--stages",           "--debug",      "--batch",       "--tolerance",
+                               "--params",           "--timing"}) {
         EXPECT_NE(help.find(std::string("  ") + option + " "), std::string::npos) << option << "\n" << help;
     }
     EXPECT_NE(help.find("0.1 for tenths of a millimetre, 1000 for metres"), std::string::npos) << help;

@@ -29,12 +29,12 @@ void expectRectangle(const Json& rect, const std::string& name) {
 
 /// The keys and types that every report has, whatever was measured.
 void expectSchema(const Json& report) {
-    expectKeys(
-        report,
-        {"version",   "status",  "reason",      "notes",          "mode",          "length_mm",         "width_mm",
-         "height_mm", "in_view", "on_target",   "side_margin_px", "corners",       "surface_points",    "plane",
-         "camera",    "areas",   "calibration", "filter_weight",  "min_height_mm", "min_object_pixels", "timings_ms", "timing"},
-        "the report");
+    expectKeys(report, {"version",        "status",      "reason",         "notes",         "mode",
+                        "length_mm",      "width_mm",    "height_mm",      "in_view",       "on_target",
+                        "side_margin_px", "corners",     "surface_points", "plane",         "camera",
+                        "areas",          "calibration", "filter_weight",  "min_height_mm", "min_object_pixels",
+                        "timings_ms",     "timing"},
+               "the report");
     EXPECT_TRUE(report["version"].is_string());
     EXPECT_TRUE(report["status"].is_string());
     EXPECT_TRUE(report["mode"].is_string());
