@@ -5,12 +5,22 @@
 
 #include "calib/normal_map_loops.h"
 #include "common/exclusive.h"
+#include "common/scratch.h"
 
 namespace quorvel::internal {
 
 // Lanes make the operations of single pixels, in their precision and order. 640 x 480 take 0.48 instead of 1.4 ms.
+namespace {
+
+struct MapScratch {
+    cv::Mat map;
+};
+
+}  // namespace
+
 cv::Mat computeNormalMap(const cv::Mat& cloud) {
-    thread_local cv::Mat map;
+    const Borrowed<MapScratch> scratch;
+    cv::Mat& map = scratch->map;
     if (cloud.empty()) {
         return cv::Mat::zeros(cloud.rows, cloud.cols, CV_32FC3);
     }

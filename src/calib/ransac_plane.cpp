@@ -18,6 +18,7 @@
 #include "calib/select_kth.h"
 #include "common/bit_image.h"
 #include "common/growing_buffer.h"
+#include "common/scratch.h"
 
 namespace quorvel::internal {
 
@@ -40,7 +41,6 @@ constexpr std::size_t kGuessSample = 4096;
 /// Room for the distances beyond the guess, several times as many as the guess is made for in a large image.
 constexpr int kFartherRoom = 16384;
 
-/// Kept from one call to the next.
 struct Workspace {
     BitImage candidates;
     BitImage pixels;
@@ -253,7 +253,8 @@ NormalBand bandAround(const cv::Vec3f& normal) {
 // they would over a list. Four times faster than lists over 512 x 384.
 int ransacFitPlane(const cv::Mat& cloud, const cv::Mat& normalMap, const cv::Vec3f& bin, cv::Vec3f& normal,
                    float& offset) {
-    thread_local Workspace workspace;
+    const Borrowed<Workspace> scratch;
+    Workspace& workspace = *scratch;
     const Scene scene{cloud, normalMap};
     NormalBand band({kBinWidth * bin[0], kBinWidth * bin[1], kBinWidth * bin[2]});
     const Candidates candidates = findCandidates(scene, band, workspace.candidates);

@@ -10,6 +10,7 @@
 #include "calib/region_growth_loops.h"
 #include "common/bit_image.h"
 #include "common/exclusive.h"
+#include "common/scratch.h"
 
 namespace quorvel::internal {
 
@@ -24,7 +25,6 @@ struct Run {
     int last;
 };
 
-/// Kept from one call to the next.
 struct Workspace {
     BitImage oriented;
     BitImage present;
@@ -190,7 +190,8 @@ void collectRegion(Workspace& workspace) {
 // are off the border: open pixels next to a seed and whatever they reach. So images of bits and runs of them give what
 // visits of single pixels give, ten times faster over 640 x 480.
 int growPlaneRegion(const cv::Mat& fullCloud, const cv::Mat& normalMap, const cv::Vec3f& normal, cv::Mat& seedCloud) {
-    thread_local Workspace workspace;
+    const Borrowed<Workspace> scratch;
+    Workspace& workspace = *scratch;
     findOriented(normalMap, normal, workspace.oriented);
     findPresent(seedCloud, workspace.present);
     plantSeeds(workspace);

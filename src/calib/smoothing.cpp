@@ -9,6 +9,7 @@
 #include "calib/smoothing_loops.h"
 #include "common/exclusive.h"
 #include "common/growing_buffer.h"
+#include "common/scratch.h"
 
 namespace quorvel::internal {
 
@@ -17,7 +18,6 @@ namespace {
 constexpr int kReach = 2;  // pixels on either side
 constexpr int kRows = 2 * kReach + 1;
 
-/// Kept from one call to the next.
 struct Workspace {
     GrowingBuffer<std::uint16_t> extendedRow;
     GrowingBuffer<float> sums;
@@ -71,7 +71,8 @@ void smoothOnce(const cv::Mat& depth, cv::Mat& smoothed, Workspace& workspace) {
 }  // namespace
 
 cv::Mat smoothDepth(const cv::Mat& depth) {
-    thread_local Workspace workspace;
+    const Borrowed<Workspace> scratch;
+    Workspace& workspace = *scratch;
     createExclusive(workspace.once, depth.size(), CV_16UC1);
     createExclusive(workspace.twice, depth.size(), CV_16UC1);
     smoothOnce(depth, workspace.once, workspace);

@@ -6,7 +6,7 @@
 
 namespace quorvel::internal {
 
-/// Storage that a stage needs only while it runs, kept for the thread's next call: fresh megabytes for every frame cost
+/// Storage that a stage needs only while it runs, kept for the next call: fresh megabytes for every frame cost
 /// more than the work done in them (their pages are mapped and zeroed each time). It grows to the largest need and
 /// holds no value from one call to the next.
 template <typename Value>

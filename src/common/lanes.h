@@ -7,6 +7,10 @@
 // Every operation is one IEEE operation a lane: the results are those of the same expressions on single floats.
 #pragma once
 
+// All of it is meant to be defined anew in every file that includes it; the C headers have no inline functions of their
+// own; the intrinsics take pointers to vectors.
+// NOLINTBEGIN(cert-*,misc-*,modernize-deprecated-headers,cppcoreguidelines-pro-type-*)
+
 #include <math.h>
 #include <stdint.h>
 
@@ -583,4 +587,4 @@ struct EightSums {
 
 }  // namespace quorvel::internal::QUORVEL_VARIANT
 
-// NOLINTEND(cert-dcl59-cpp,misc-definitions-in-headers,modernize-deprecated-headers,cppcoreguidelines-pro-type-reinterpret-cast)
+// NOLINTEND(cert-*,misc-*,modernize-deprecated-headers,cppcoreguidelines-pro-type-*)

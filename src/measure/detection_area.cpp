@@ -9,6 +9,7 @@
 
 #include "common/growing_buffer.h"
 #include "common/numbers.h"
+#include "common/scratch.h"
 
 namespace quorvel::internal {
 
@@ -17,6 +18,10 @@ namespace {
 constexpr int kFarthestCorner = 1 << 24;
 
 using Polygon = std::array<cv::Point, 4>;
+
+struct CanvasScratch {
+    GrowingBuffer<uchar> pixels;
+};
 
 int drawnCoordinate(float position) {
     return std::clamp(roundToInt(position), -kFarthestCorner, kFarthestCorner);
@@ -59,8 +64,8 @@ bool topFaceMeetsRegion(const std::array<cv::Point2f, 4>& topFace, const cv::Rec
     for (cv::Point& corner : polygon) {
         corner -= canvas.tl();
     }
-    thread_local GrowingBuffer<uchar> pixels;
-    cv::Mat drawing(canvas.size(), CV_8UC1, pixels.atLeast(static_cast<std::size_t>(canvas.area())));
+    const Borrowed<CanvasScratch> scratch;
+    cv::Mat drawing(canvas.size(), CV_8UC1, scratch->pixels.atLeast(static_cast<std::size_t>(canvas.area())));
     drawing.setTo(0);
     cv::fillConvexPoly(drawing, polygon, cv::Scalar(255), cv::LINE_8);
     return cv::countNonZero(drawing(wanted - canvas.tl())) > 0;

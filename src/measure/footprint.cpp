@@ -10,6 +10,7 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "common/scratch.h"
 #include "measure/box_geometry.h"
 #include "measure/detection_area.h"
 #include "measure/object_points.h"
@@ -37,7 +38,8 @@ FootprintCorners minimumRectangle(const std::vector<cv::Point>& footprint) {
 /// \return a box without corners when there are fewer than 4 points
 Box findBox(const cv::Mat& cloud, const Plane& plane, const Projection& camera) {
     const PlaneBasis basis = planeBasis(plane.normal);
-    thread_local ObjectPoints object;  // for its storage
+    const Borrowed<ObjectPoints> scratch;
+    ObjectPoints& object = *scratch;
     collectObjectPoints(cloud, plane.normal, plane.offset, basis, object);
     Box box;
     if (object.count < kLeastPoints) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "measure/object_chain.h"
 
+#include "common/scratch.h"
 #include "measure/footprint.h"
 #include "measure/height_cut.h"
 #include "measure/object_component.h"
@@ -11,13 +12,9 @@ namespace quorvel::internal {
 
 namespace {
 
-/// Kept from call to call for its storage.
-cv::Mat& emptyMask(const cv::Size& size) {
-    thread_local cv::Mat mask;
-    mask.create(size, CV_8UC1);
-    mask.setTo(0);
-    return mask;
-}
+struct MaskScratch {
+    cv::Mat mask;
+};
 
 MeasureResult footprint(const cv::Mat& depthSmall, const cv::Mat& object, const MeasureSettings& s) {
     const Projection& camera = s.camera;
@@ -42,7 +39,10 @@ int measureObject(const FrameImages& frame, const MeasureSettings& settings, Mea
     const cv::Vec3f& normal = settings.plane.normal;
     const float offset = settings.plane.offset;
     StageWatch watch(times);
-    cv::Mat& mask = emptyMask(frame.depthSmall.size());
+    const Borrowed<MaskScratch> scratch;
+    cv::Mat& mask = scratch->mask;
+    mask.create(frame.depthSmall.size(), CV_8UC1);
+    mask.setTo(0);
     const int cut =
         cutAboveReferencePlane(frame.depthSmall, frame.cloudSmall, normal, offset, settings.minHeight, mask);
     watch.lap(&StageTimes::heightCut);

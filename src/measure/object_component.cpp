@@ -13,6 +13,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "common/bit_image.h"
+#include "common/scratch.h"
 #include "measure/object_component_loops.h"
 #include "measure/object_window.h"
 #include "measure/wrapped_labels.h"
@@ -33,17 +34,11 @@ struct Run {
     float distanceSum = 0.0F;  ///< of the region, at its first run
 };
 
-/// Scratch of one thread; holds nothing between calls.
 struct Workspace {
     std::vector<std::uint64_t> bits;
     std::vector<float> distances;
     std::vector<Run> runs;
 };
-
-Workspace& workspace() {
-    thread_local Workspace scratch;
-    return scratch;
-}
 
 /// Position of the first bit of this value at or after a position; the row's end when there is none.
 int nextBit(const std::vector<std::uint64_t>& bits, int from, int columns, bool value) {
@@ -185,7 +180,8 @@ void openMask(cv::Mat mask) {
 
 /// Keeps the nearest region in the mask, if there is one.
 bool keepNearestRegion(const cv::Mat& depth, int minPixels, cv::Mat& mask) {
-    Workspace& scratch = workspace();
+    const Borrowed<Workspace> borrowed;
+    Workspace& scratch = *borrowed;
     findRegions(depth, scratch);
     if (scratch.runs.size() > kMostLabelledRuns) {
         return keepNearestWrappedRegion(depth, minPixels, mask);

@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "common/bit_image.h"
+#include "common/scratch.h"
 #include "measure/object_points_loops.h"
 #include "measure/points.h"
 
@@ -21,7 +22,6 @@ constexpr int kWordBits = 64;
 /// points: whatever such points make of the hull, they make of it.
 constexpr int kFarthest = 16000;
 
-/// Scratch of one thread; holds nothing between calls.
 struct Workspace {
     BitImage valid;
     GrowingBuffer<float> heights;
@@ -29,10 +29,9 @@ struct Workspace {
     GrowingBuffer<std::uint64_t> bits;
 };
 
-Workspace& workspace() {
-    thread_local Workspace scratch;
-    return scratch;
-}
+struct QuantileScratch {
+    GrowingBuffer<float> heights;
+};
 
 Direction direction(const cv::Vec3f& v) {
     return {v[0], v[1], v[2]};
@@ -229,7 +228,8 @@ float quantileAmongOddHeights(const float* heights, std::size_t count, std::size
 void collectObjectPoints(const cv::Mat& cloud, const cv::Vec3f& normal, float offset, const PlaneBasis& basis,
                          ObjectPoints& object) {
     const PlaneFrame plane{direction(normal), offset, direction(basis.e1), direction(basis.e2)};
-    Workspace& scratch = workspace();
+    const Borrowed<Workspace> borrowed;
+    Workspace& scratch = *borrowed;
     findValidPoints(cloud, scratch);
     const InnerPolygon polygon = polygonOf(extremePoints(cloud, scratch.valid, plane));
     if (!projectPoints(cloud, plane, polygon, scratch, object)) {
@@ -243,8 +243,8 @@ float heightQuantile(const float* heights, std::size_t count) {
     constexpr double kQuantile = 0.99;
     const auto index = static_cast<std::size_t>(static_cast<double>(count) * kQuantile);
     const std::size_t fromEnd = count - index;  // 1 for the last
-    thread_local GrowingBuffer<float> storage;
-    float* const found = storage.atLeast(count);
+    const Borrowed<QuantileScratch> scratch;
+    float* const found = scratch->heights.atLeast(count);
     bool numbers = true;
     int size = objectPointsLoops().collectFrom(heights, static_cast<int>(count), guessBound(heights, count, fromEnd),
                                                found, &numbers);

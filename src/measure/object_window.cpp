@@ -6,6 +6,8 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "common/scratch.h"
+
 namespace quorvel::internal {
 
 namespace {
@@ -64,10 +66,9 @@ cv::Rect isolate(const cv::Mat& mask, int scale, cv::Mat& cloud) {
     return withMargin({bounds.x * scale, bounds.y * scale, bounds.width * scale, bounds.height * scale}, cloud.size());
 }
 
-cv::Mat& fullMask() {
-    thread_local cv::Mat mask;
-    return mask;
-}
+struct FullMaskScratch {
+    cv::Mat mask;
+};
 
 }  // namespace
 
@@ -100,7 +101,8 @@ cv::Rect isolateObject(const cv::Mat& mask, cv::Mat& cloud) {
     if (scale != 0) {
         return isolate(mask, scale, cloud);
     }
-    cv::Mat& full = fullMask();
+    const Borrowed<FullMaskScratch> scratch;
+    cv::Mat& full = scratch->mask;
     cv::resize(mask, full, cloud.size(), 0.0, 0.0, cv::INTER_AREA);
     return isolate(full, 1, cloud);
 }

@@ -11,6 +11,7 @@
 
 #include "common/bit_image.h"
 #include "common/growing_buffer.h"
+#include "common/scratch.h"
 #include "measure/surface_filter_loops.h"
 
 namespace quorvel::internal {
@@ -23,7 +24,6 @@ constexpr float kOutlierDeviations = 4.5F;
 constexpr float kLowObjectHeight = 10.0F;
 constexpr int kWordBits = 64;
 
-/// Scratch of one thread; holds nothing between calls.
 struct Workspace {
     BitImage present;
     BitImage steep;
@@ -34,11 +34,6 @@ struct Workspace {
     GrowingBuffer<float> heights;
     GrowingBuffer<int> outliers;
 };
-
-Workspace& workspace() {
-    thread_local Workspace scratch;
-    return scratch;
-}
 
 /// What the first pass leaves for the second, besides the bits of the accepted points.
 struct AcceptedHeights {
@@ -343,13 +338,8 @@ void writeMask(const BitImage& kept, cv::Mat& mask) {
     }
 }
 
-}  // namespace
-
-void keepSurfacePoints(cv::Mat& cloud, const cv::Vec3f& normal, float offset) {
-    if (cloud.empty()) {
-        return;
-    }
-    Workspace& scratch = workspace();
+/// Filters a cloud that is not empty; leaves the bits of the points kept in the scratch.
+void filter(cv::Mat& cloud, const cv::Vec3f& normal, float offset, Workspace& scratch) {
     const AcceptedHeights heights = acceptSurfacePoints(cloud, normalized(normal), offset, scratch);
     // The steep points have done their work: their image takes the candidates.
     BitImage& candidates = scratch.steep;
@@ -362,12 +352,23 @@ void keepSurfacePoints(cv::Mat& cloud, const cv::Vec3f& normal, float offset) {
     clearDropped(cloud, scratch.kept);
 }
 
-void filterSurfacePoints(cv::Mat& cloud, const cv::Vec3f& normal, float offset, cv::Mat& mask) {
-    keepSurfacePoints(cloud, normal, offset);
-    mask.setTo(0);
+}  // namespace
+
+void keepSurfacePoints(cv::Mat& cloud, const cv::Vec3f& normal, float offset) {
     if (!cloud.empty()) {
-        writeMask(workspace().kept, mask);
+        const Borrowed<Workspace> scratch;
+        filter(cloud, normal, offset, *scratch);
     }
+}
+
+void filterSurfacePoints(cv::Mat& cloud, const cv::Vec3f& normal, float offset, cv::Mat& mask) {
+    if (cloud.empty()) {
+        mask.setTo(0);
+        return;
+    }
+    const Borrowed<Workspace> scratch;
+    filter(cloud, normal, offset, *scratch);
+    writeMask(scratch->kept, mask);
 }
 
 }  // namespace quorvel::internal
