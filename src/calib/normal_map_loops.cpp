@@ -7,18 +7,6 @@ namespace quorvel::internal::QUORVEL_VARIANT {
 
 namespace {
 
-struct Vectors {
-    Floats x;
-    Floats y;
-    Floats z;
-};
-
-inline Vectors loadVectors(const float* points) {
-    Vectors vectors;
-    loadPoints(points, vectors.x, vectors.y, vectors.z);
-    return vectors;
-}
-
 inline Vectors operator-(const Vectors& a, const Vectors& b) {
     return {a.x - b.x, a.y - b.y, a.z - b.z};
 }

@@ -10,18 +10,6 @@ namespace {
 constexpr int kBlock = 64;  // pixels of a word of bits
 constexpr float kMiddleColour = 127.5F;
 
-struct Vectors {
-    Floats x;
-    Floats y;
-    Floats z;
-};
-
-inline Vectors loadVectors(const float* from) {
-    Vectors vectors;
-    loadPoints(from, vectors.x, vectors.y, vectors.z);
-    return vectors;
-}
-
 inline Vectors allVectors(const float* value) {
     return {all(value[0]), all(value[1]), all(value[2])};
 }

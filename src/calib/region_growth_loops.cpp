@@ -10,18 +10,6 @@ namespace {
 constexpr float kDarkest = 0.0F;
 constexpr float kBrightest = 255.0F;
 
-struct Vectors {
-    Floats x;
-    Floats y;
-    Floats z;
-};
-
-inline Vectors loadVectors(const float* from) {
-    Vectors vectors;
-    loadPoints(from, vectors.x, vectors.y, vectors.z);
-    return vectors;
-}
-
 /// Fewer than kLanes pixels, continued with zeros.
 struct LastPixels {
     LastPixels(const float* from, int count) {

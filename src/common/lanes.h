@@ -578,6 +578,19 @@ struct EightSums {
 
 #endif
 
+/// Points, directions or normal colours side by side.
+struct Vectors {
+    Floats x;
+    Floats y;
+    Floats z;
+};
+
+[[maybe_unused]] inline Vectors loadVectors(const float* from) {
+    Vectors vectors;
+    loadPoints(from, vectors.x, vectors.y, vectors.z);
+    return vectors;
+}
+
 /// Sets the bits of kLanes pixels from `column` on, a multiple of kLanes. The bits must be 0 before.
 [[maybe_unused]] inline void putBits(uint64_t* words, int column, uint32_t bits) {
     words[column / 64] |= static_cast<uint64_t>(bits) << (column % 64);

@@ -63,8 +63,8 @@ float projectRow(const float* points, int count, const PlaneFrame& plane, const 
     float values[kLanes];
     store(values, highest);
     float result = 0.0F;
-    for (int lane = 0; lane < kLanes; ++lane) {
-        result = values[lane] > result ? values[lane] : result;
+    for (const float value : values) {
+        result = value > result ? value : result;
     }
     return result;
 }

@@ -13,11 +13,7 @@ namespace {  // NOLINT(cert-dcl59-cpp): see common/lanes.h
 /// rounding of its length.
 constexpr float kSurelyAPoint = 1e-8F;  // NOLINT(misc-definitions-in-headers)
 
-struct Points {
-    Floats x;
-    Floats y;
-    Floats z;
-};
+using Points = Vectors;
 
 [[maybe_unused]] inline Points allOf(Direction direction) {
     return {all(direction.x), all(direction.y), all(direction.z)};
@@ -25,17 +21,14 @@ struct Points {
 
 /// Takes up to kLanes points; what is missing is (0, 0, 0).
 [[maybe_unused]] inline Points loadSome(const float* from, int count) {
-    Points p{};
     if (count >= kLanes) {
-        loadPoints(from, p.x, p.y, p.z);
-        return p;
+        return loadVectors(from);
     }
     float rest[3 * kLanes] = {};
     for (int i = 0; i < 3 * count; ++i) {
         rest[i] = from[i];
     }
-    loadPoints(rest, p.x, p.y, p.z);
-    return p;
+    return loadVectors(rest);
 }
 
 /// Whether not all three coordinates are 0; NaN is not 0.
