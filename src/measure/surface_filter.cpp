@@ -42,7 +42,7 @@ struct AcceptedHeights {
     float mean = 0.0F;  ///< of all interior points, accepted or not, mm
 };
 
-cv::Vec3f normalized(const cv::Vec3f& normal) {
+Direction normalized(const cv::Vec3f& normal) {
     const double x = normal[0];
     const double y = normal[1];
     const double z = normal[2];
@@ -189,13 +189,11 @@ float* append(const float* values, std::uint64_t bits, float* end) {
 }
 
 /// The first pass. Absent points have height +0, and adding that to a sum of absolute values changes no bit of it.
-AcceptedHeights acceptSurfacePoints(const cv::Mat& cloud, const cv::Vec3f& unitNormal, float offset,
-                                    Workspace& scratch) {
-    const Direction normal{unitNormal[0], unitNormal[1], unitNormal[2]};
+AcceptedHeights acceptSurfacePoints(const cv::Mat& cloud, const Direction& normal, float offset, Workspace& scratch) {
     const SurfaceFilterLoops& loops = surfaceFilterLoops();
-    for (BitImage* image : {&scratch.present, &scratch.steep, &scratch.accepted}) {
-        image->reset(cloud.rows, cloud.cols);
-    }
+    scratch.present.reset(cloud.rows, cloud.cols);
+    scratch.steep.reset(cloud.rows, cloud.cols);
+    scratch.accepted.reset(cloud.rows, cloud.cols);
     RowPair pair(scratch, cloud.cols);
     AcceptedHeights accepted;
     accepted.values = scratch.heights.atLeast(cloud.total());

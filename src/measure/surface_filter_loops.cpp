@@ -68,7 +68,7 @@ inline void surroundRow(const PointPlanes& planes, int count, int row) {
     }
 }
 
-bool splitRow(const float* points, int count, int row, Direction normal, float offset, PointPlanes planes,
+bool splitRow(const float* points, int count, int row, Direction normal, float offset, const PointPlanes& planes,
               float* heights, uint64_t* present) {
     Mask wild{};
     const Points plane = allOf(normal);

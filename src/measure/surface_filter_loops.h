@@ -36,7 +36,7 @@ struct SurfaceFilterLoops {
     /// \param[out] heights |normal . p - offset|, 0 where there is no point; mm
     /// \param[out] present the pixels that hold a point; 0 on entry
     /// \return whether every coordinate is a number of at most 1e15 mm
-    bool (*splitRow)(const float* points, int count, int row, Direction normal, float offset, PointPlanes planes,
+    bool (*splitRow)(const float* points, int count, int row, Direction normal, float offset, const PointPlanes& planes,
                      float* heights, std::uint64_t* present);
 
     /// Compares every pixel of a row with its right neighbour and with the three below it.
