@@ -60,9 +60,9 @@ count_instructions() {
 export -f count_instructions
 export bin
 
-time_works road-640x480 '/640x480/' 9 0.1
-time_works road-large '/(1280x720|1920x1080)/' 7 0.05
-time_works sweeps '^(size|regions|coverage|area-[a-z]+|batch)/' 7 0.02
+time_works road-640x480 '/640x480/' 7 0.05
+time_works road-large '/(1280x720|1920x1080)/' 5 0.02
+time_works sweeps '^(size|regions|coverage|area-[a-z]+|batch)/' 5 0.01
 
 echo "counting instructions"
 counted_sizes=("${road_sizes[@]}")

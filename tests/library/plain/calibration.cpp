@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
 
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
@@ -63,7 +64,8 @@ void calibRef(Quorvel& ruler, float& t, float offset) {
         ruler.refPlaneOffset += offset;
     }
     ruler.minObjectPixels = objectPixelMinimum(ruler.refPlaneOffset, ruler.fxSmall);
-    std::filesystem::create_directory(ruler.paramDir);
+    std::error_code unchecked;
+    std::filesystem::create_directory(ruler.paramDir, unchecked);
     writePlane(ruler);
     cv::imwrite(ruler.paramDir + "/depth.tif", ruler.depthImage);
     ruler.calibStatus = true;
