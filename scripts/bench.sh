@@ -137,7 +137,8 @@ but no AVX-512. A batch's frames a second are those of its four frames.
 
 TEXT
   report 'road_table($instructions[0])' "$out/road.json"
-  printf '\n## The stages\n\nAt 640 x 480, each alone on the input that the road gives it.\n\n'
+  printf '\n## The stages\n\nAt 640 x 480, each alone on a whole picture. On the road the surface filter and the footprint '
+  printf "see only the object's\nwindow of it.\n\n"
   report 'stage_table' "$out/road.json"
   printf '\n## Over the size of the picture\n\nIntake and measurement of one frame, kiosk mode.\n\n'
   printf '![Time of a frame over the picture size](images/performance-size.png)\n\n'

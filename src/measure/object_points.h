@@ -25,8 +25,8 @@ struct ObjectPoints {
 ///
 /// Points that lie inside a polygon of other points are left out of the outline: they are no corners of the hull, nor
 /// on its edge, so that the hull of the outline is the hull of all, its corners in the same order. The polygon has its
-/// corners among the ends of the rows, where they are extreme in eight directions: of a box of 50000 points about 1000
-/// are left, and the minimum-area rectangle takes 0.1 instead of 3 ms.
+/// corners among the ends of the rows, where they are extreme in eight directions: of a box of 55000 points about 900
+/// are left, and the minimum-area rectangle of those takes 0.02 ms.
 /// \param cloud CV_32FC3, mm
 /// \param[in,out] object replaced
 void collectObjectPoints(const cv::Mat& cloud, const cv::Vec3f& normal, float offset, const PlaneBasis& basis,

@@ -18,8 +18,7 @@ struct BackProjection {
 /// \return CV_32FC3 of the same size, mm; (0, 0, 0) where there is no depth
 cv::Mat backProject(const cv::Mat& depth, const BackProjection& camera);
 
-/// As above, into a cloud whose storage is kept when it fits and nobody else holds it: without the mapping of fresh
-/// pages a frame of 640 x 480 takes a third of the time.
+/// As above, into a cloud whose storage is kept when it fits and nobody else holds it.
 void backProject(const cv::Mat& depth, const BackProjection& camera, cv::Mat& cloud);
 
 }  // namespace quorvel::internal
