@@ -35,7 +35,6 @@ constexpr int kMaxIterations = 100;
 constexpr double kLeastImprovement = 1e-6;
 constexpr int kRandomMask = 0x7FFF;
 
-constexpr int kPixelsPerWord = 64;
 /// Distances looked at to guess which are the farthest.
 constexpr std::size_t kGuessSample = 4096;
 /// Room for the distances beyond the guess, several times as many as the guess is made for in a large image.
@@ -117,8 +116,8 @@ cv::Vec3f meanDirection(const Candidates& candidates) {
 Distances measureDistances(const cv::Mat& cloud, const Candidates& candidates, GrowingBuffer<float>& storage) {
     const cv::Vec3f direction = meanDirection(candidates);
     const int words = wordsOf(candidates.pixels);
-    const std::size_t stride = static_cast<std::size_t>(candidates.pixels.wordsPerRow()) * kPixelsPerWord;
-    float* const values = storage.atLeast(static_cast<std::size_t>(words) * kPixelsPerWord);
+    const std::size_t stride = static_cast<std::size_t>(candidates.pixels.wordsPerRow()) * kWordBits;
+    float* const values = storage.atLeast(static_cast<std::size_t>(words) * kWordBits);
     const RansacPlaneLoops& loops = ransacPlaneLoops();
     bool finite = true;
     for (int row = 0; row < cloud.rows; ++row) {
@@ -131,7 +130,7 @@ Distances measureDistances(const cv::Mat& cloud, const Candidates& candidates, G
 /// \return a distance that some more than kFloorRank of `count` candidates lie beyond, judging by a sample of them;
 ///         nothing when the sample has no such distance
 std::optional<float> guessBound(const Distances& distances, std::size_t count, GrowingBuffer<float>& storage) {
-    const std::size_t total = static_cast<std::size_t>(distances.words) * kPixelsPerWord;
+    const std::size_t total = static_cast<std::size_t>(distances.words) * kWordBits;
     const std::size_t step = (total / kGuessSample) | 1U;  // odd: it wanders over the columns
     float* const sample = storage.atLeast(total / step + 1);
     std::size_t size = 0;
@@ -155,7 +154,7 @@ std::optional<float> floorBeyondGuess(const Distances& distances, std::size_t co
     if (!bound) {
         return std::nullopt;
     }
-    float* const farther = workspace.farther.atLeast(kFartherRoom + kPixelsPerWord + 1);
+    float* const farther = workspace.farther.atLeast(kFartherRoom + kWordBits + 1);
     int alike = 0;
     const int found =
         ransacPlaneLoops().collectFarther(distances.values, distances.words, *bound, farther, kFartherRoom, alike);
@@ -175,7 +174,7 @@ std::vector<float> listOf(const Distances& distances, const Candidates& candidat
     for (int word = 0; word < distances.words; ++word) {
         forEachSetBit(candidates.pixels.row(0)[word], [&](int position) {
             list.push_back(
-                distances.values[static_cast<std::size_t>(word) * kPixelsPerWord + static_cast<std::size_t>(position)]);
+                distances.values[static_cast<std::size_t>(word) * kWordBits + static_cast<std::size_t>(position)]);
         });
     }
     return list;

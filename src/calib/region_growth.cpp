@@ -16,8 +16,6 @@ namespace quorvel::internal {
 
 namespace {
 
-constexpr int kWordBits = 64;
-
 /// Pixels first ... last of a row.
 struct Run {
     int row;

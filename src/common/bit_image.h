@@ -10,9 +10,12 @@
 
 namespace quorvel::internal {
 
+/// Pixels of one word of a BitImage.
+constexpr int kWordBits = 64;
+
 /// Number of 64-bit words that hold one bit for each of `columns` pixels.
 inline int wordsFor(int columns) {
-    return (columns + 63) / 64;
+    return (columns + kWordBits - 1) / kWordBits;
 }
 
 /// One bit a pixel: the pixel in column c is bit c % 64 of word c / 64 of its row. Bits beyond the last column are 0.
@@ -34,7 +37,9 @@ public:
     std::uint64_t* row(int index) { return data_ + offset(index); }
     const std::uint64_t* row(int index) const { return data_ + offset(index); }
 
-    bool at(int rowIndex, int column) const { return (row(rowIndex)[column / 64] >> (column % 64) & 1U) != 0; }
+    bool at(int rowIndex, int column) const {
+        return (row(rowIndex)[column / kWordBits] >> (column % kWordBits) & 1U) != 0;
+    }
 
 private:
     std::size_t offset(int index) const { return static_cast<std::size_t>(index) * static_cast<std::size_t>(words_); }
@@ -52,6 +57,18 @@ void forEachSetBit(std::uint64_t word, Visit visit) {
     for (; word != 0; word &= word - 1) {
         visit(lowestSetBit(word));
     }
+}
+
+/// Appends the values at the set bits of a word.
+/// \param values kWordBits of them
+/// \param end of the list, which has room
+/// \return its new end
+inline float* appendChosen(const float* values, std::uint64_t bits, float* end) {
+    if (bits == ~std::uint64_t{0}) {
+        return std::copy(values, values + kWordBits, end);
+    }
+    forEachSetBit(bits, [&](int bit) { *end++ = values[bit]; });
+    return end;
 }
 
 }  // namespace quorvel::internal

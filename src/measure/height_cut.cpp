@@ -15,8 +15,6 @@ namespace quorvel::internal {
 
 namespace {
 
-constexpr int kWordBits = 64;
-
 bool isHigh(const cv::Vec3f& point, const cv::Vec3f& normal, float offset, float minHeight) {
     return isValidPoint(point) && !(signedDistance(point, normal, offset) > -minHeight);
 }

@@ -22,8 +22,6 @@ namespace quorvel::internal {
 
 namespace {
 
-constexpr int kWordBits = 64;
-
 /// Candidates side by side in one row.
 struct Run {
     int row = 0;

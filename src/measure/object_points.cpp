@@ -17,7 +17,6 @@ namespace quorvel::internal {
 
 namespace {
 
-constexpr int kWordBits = 64;
 /// Coordinates up to here (mm) leave the hull's cross products within 31 bits. Footprints that reach beyond keep all
 /// points: whatever such points make of the hull, they make of it.
 constexpr int kFarthest = 16000;
@@ -133,14 +132,6 @@ InnerPolygon polygonOf(const std::vector<cv::Point>& corners) {
     return polygon;
 }
 
-float* append(const float* values, std::uint64_t bits, float* end) {
-    if (bits == ~std::uint64_t{0}) {
-        return std::copy(values, values + kWordBits, end);
-    }
-    forEachSetBit(bits, [&](int bit) { *end++ = values[bit]; });
-    return end;
-}
-
 /// Takes over a row's largest distance if it is larger than those before.
 void keepLargest(const cv::Vec3f* points, const float* heights, const std::uint64_t* valid, int words,
                  const PlaneFrame& plane, float& largest) {
@@ -177,7 +168,7 @@ bool projectPoints(const cv::Mat& cloud, const PlaneFrame& plane, const InnerPol
             keepLargest(cloud.ptr<cv::Vec3f>(row), projected.heights, valid, words, plane, object.largestDistance);
         }
         for (int word = 0; word < words; ++word) {
-            end = append(projected.heights + std::ptrdiff_t{word} * kWordBits, valid[word], end);
+            end = appendChosen(projected.heights + std::ptrdiff_t{word} * kWordBits, valid[word], end);
             forEachSetBit(valid[word] & ~projected.inside[word], [&](int bit) {
                 const int column = word * kWordBits + bit;
                 object.outline.emplace_back(projected.u[column], projected.v[column]);

@@ -22,7 +22,6 @@ constexpr auto kSteepCosine = static_cast<double>(0.8F);
 constexpr float kOutlierDeviations = 4.5F;
 /// Below this mean height (mm) the outlier test is off: the sensor's noise is of the object's own size there.
 constexpr float kLowObjectHeight = 10.0F;
-constexpr int kWordBits = 64;
 
 struct Workspace {
     BitImage present;
@@ -179,15 +178,6 @@ std::uint64_t surrounded(const BitImage& present, int row, int word) {
     return all;
 }
 
-/// Appends the values at the set bits.
-float* append(const float* values, std::uint64_t bits, float* end) {
-    if (bits == ~std::uint64_t{0}) {
-        return std::copy(values, values + kWordBits, end);
-    }
-    forEachSetBit(bits, [&](int bit) { *end++ = values[bit]; });
-    return end;
-}
-
 /// The first pass. Absent points have height +0, and adding that to a sum of absolute values changes no bit of it.
 AcceptedHeights acceptSurfacePoints(const cv::Mat& cloud, const Direction& normal, float offset, Workspace& scratch) {
     const SurfaceFilterLoops& loops = surfaceFilterLoops();
@@ -221,7 +211,7 @@ AcceptedHeights acceptSurfacePoints(const cv::Mat& cloud, const Direction& norma
             count += countSetBits(present[word]);
             const std::uint64_t bits = surrounded(scratch.present, row, word) & ~scratch.steep.row(row)[word];
             scratch.accepted.row(row)[word] = bits;
-            end = append(heights + std::ptrdiff_t{word} * kWordBits, bits, end);
+            end = appendChosen(heights + std::ptrdiff_t{word} * kWordBits, bits, end);
         }
         count -= (scratch.present.at(row, 0) ? 1 : 0) + (scratch.present.at(row, cloud.cols - 1) ? 1 : 0);
     }
