@@ -278,8 +278,9 @@ public:
     ///
     /// Works in place on `depthSmall` and `pointCloud`: push a new frame before every measurement.
     /// \return 0 when the frame was measured (`result` may still be empty or out of view: read `corners` and
-    ///         `inView`) or when the mode measures nothing; 1 when there is no plane, no usable frame or no object,
-    ///         with `result` reset
+    ///         `inView`) or when the mode measures nothing; 1 when there is no plane or none to measure from (not four
+    ///         finite numbers, a normal more than a hundredth from unit length, a distance that is not positive; in
+    ///         debug mode a line says which), no usable frame or no object, with `result` reset
     QUORVEL_API int measureOnce();
 
     // Settings and queries
@@ -324,7 +325,9 @@ public:
     /// \return 0
     QUORVEL_API int setFilterWeight(float weight);
     /// Selects the operating mode. KIOSK and KIOSK_LOW_OBJECT also load the plane from the calibration file and
-    /// set `effectiveRegion` to the centred fifth of the picture.
+    /// set `effectiveRegion` to the centred fifth of the picture. The plane is taken as the file has it: fields behind
+    /// the first that is no number keep their values, and a plane that cannot be measured from counts as loaded, but
+    /// every measurement refuses it.
     /// \param type the mode
     /// \return 0, also when there is no calibration file
     QUORVEL_API int setProductType(ProductType type);
@@ -339,7 +342,8 @@ public:
     ///
     /// A fit that fails keeps the previous plane, and is not reported: check `refPlaneNormal` and
     /// `refPlaneOffset`. Only KIOSK and GROUND_GROWING fit; the other modes keep the plane. Without a usable depth
-    /// frame nothing is changed or written.
+    /// frame nothing is changed or written. Both files are put in place whole, in one step each, when their content is
+    /// on the disk; one that cannot be written is skipped and the old one stays.
     /// \param[out] t the stored distance of the plane, mm
     /// \param offset added to the fitted distance, mm
     /// \return 0
@@ -378,7 +382,8 @@ public:
 
     /// Writes `calibrationRoI`, `effectiveRegion` and `filterWeight` into a ruler parameter file.
     /// \param path its extension chooses the format: .xml, .json, or YAML for .yml, .yaml and any other
-    /// \return false when the file cannot be opened for writing, or when there is a question mark in its path
+    /// \return false when the file cannot be written whole (the old one then stays), when its path holds a question mark
+    ///         or ends in ".gz", or names a folder, a device or a pipe
     /// \throws cv::Exception what the file storage of OpenCV raises
     QUORVEL_API bool saveRulerParam(std::string path);
     /// Reads a ruler parameter file into `calibrationRoI`, `effectiveRegion` and `filterWeight`. A region that is
@@ -387,13 +392,15 @@ public:
     /// \param path of the file; its content tells the format
     /// \param[out] calibrationArea the new `calibrationRoI`, full-size pixels
     /// \param[out] detectArea the new `effectiveRegion`, full-size pixels
-    /// \return false when the file cannot be opened, with everything as it was
+    /// \return false when the file cannot be opened, or is far from a parameter file (more than 64 KiB, lines of more
+    ///         than 1000 characters, more than 1000 brackets and tags), with everything as it was
     /// \throws cv::Exception when the file is no document; members and out-arguments are as they were
     QUORVEL_API bool loadRulerParam(std::string path, cv::Rect& calibrationArea, cv::Rect& detectArea);
     /// Writes a capture into a new folder "./log/YYYY-MM/YYYY-MM-DD-hh-mm-ss" of the local time: camera and plane
     /// (para.txt), the last result (res.txt) and the current frame (color.png, depth.tif; left out when empty). The
     /// folder can be given to the constructor, which replays it. A folder that is already there is left as it is,
-    /// so of several calls within a second the first writes; what cannot be written is skipped.
+    /// so of several calls within a second the first writes; each file is written whole or, when it cannot be,
+    /// skipped.
     /// \return 0
     /// \throws cv::Exception when OpenCV cannot encode an image
     QUORVEL_API int saveOfflineData();

@@ -3,14 +3,13 @@
 #include <iostream>
 #include <string>
 
-#include <opencv2/imgcodecs.hpp>
-
 #include <quorvel/quorvel.h>
 
 #include "calib/calibration_file.h"
 #include "calib/calibration_region.h"
 #include "calib/reference_fit.h"
 #include "calib/smoothing.h"
+#include "common/image_file.h"
 #include "common/text_file.h"
 #include "ruler/back_projection.h"
 #include "ruler/frame_check.h"
@@ -71,7 +70,7 @@ int Quorvel::calibRef(float& t, float offset) {
     }
     ensureFolder(paramDir);
     writeCalibrationFile(calFilePath, plane);
-    cv::imwrite(paramDir + "/depth.tif", depthImage);
+    writeImageFile(paramDir + "/depth.tif", depthImage);
     calibStatus = true;
     cameraHeight = plane.offset;
     t = plane.offset;

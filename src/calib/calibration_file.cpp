@@ -5,12 +5,15 @@
 
 #include "common/decimal_text.h"
 #include "common/text_file.h"
+#include "common/whole_file.h"
 
 namespace quorvel::internal {
 
 void writeCalibrationFile(const std::string& path, const Plane& plane) {
-    writeTextFile(path, sixDecimals(plane.normal[0]) + ' ' + sixDecimals(plane.normal[1]) + ' ' +
-                            sixDecimals(plane.normal[2]) + ' ' + sixDecimals(plane.offset) + '\n');
+    writeWholeFile(path,
+                   sixDecimals(plane.normal[0]) + ' ' + sixDecimals(plane.normal[1]) + ' ' +
+                       sixDecimals(plane.normal[2]) + ' ' + sixDecimals(plane.offset) + '\n',
+                   FileContent::Text);
 }
 
 bool readCalibrationFile(const std::string& path, Plane& plane) {

@@ -12,7 +12,38 @@ namespace {
 constexpr float kBandHalfWidth = 64.0F;
 constexpr float kObjectEdge = 50.0F;  // mm
 
+/// Six decimals in a file are 1e-6 off, two decimals typed by hand 1e-2; beyond that heights are wrong by percents.
+constexpr double kLengthTolerance = 0.01;
+
+double lengthOf(const cv::Vec3f& vector) {
+    const double x = vector[0];
+    const double y = vector[1];
+    const double z = vector[2];
+    return std::sqrt(x * x + y * y + z * z);
+}
+
+bool isFinite(const Plane& plane) {
+    return std::isfinite(plane.normal[0]) && std::isfinite(plane.normal[1]) && std::isfinite(plane.normal[2]) &&
+           std::isfinite(plane.offset);
+}
+
 }  // namespace
+
+std::string planeProblem(const Plane& plane) {
+    if (!isFinite(plane)) {
+        return "it is not four finite numbers";
+    }
+    if (std::fabs(lengthOf(plane.normal) - 1.0) > kLengthTolerance) {
+        return "the length of its normal is not 1";
+    }
+    if (!(plane.offset > 0.0F)) {
+        return "its distance from the camera is not positive";
+    }
+    if (plane.normal[0] == 0.0F && plane.normal[1] == 0.0F && plane.normal[2] != 1.0F) {
+        return "a normal along the optical axis has to be exactly 0 0 1";
+    }
+    return {};
+}
 
 bool hasPlane(const cv::Vec3f& normal) {
     return !(normal[0] == 0.0F && normal[1] == 0.0F && normal[2] == 0.0F);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <string>
+
 #include <opencv2/core.hpp>
 
 namespace quorvel::internal {
@@ -22,6 +24,13 @@ inline float signedDistance(const cv::Vec3f& point, const cv::Vec3f& normal, flo
 
 /// \return whether a plane is available: the normal is not (0, 0, 0)
 bool hasPlane(const cv::Vec3f& normal);
+
+/// Says why a plane cannot be measured from; a zero normal, which means that there is no plane, included.
+/// \return the reason in words, empty for a usable plane: four numbers, a normal whose length is 1 within a hundredth,
+/// a
+///         positive offset, and a normal that is either not along the optical axis or exactly (0, 0, 1), since the
+///         plane has no directions of its own to turn the footprint by otherwise
+std::string planeProblem(const Plane& plane);
 
 /// Turns the solution of z = a x + b y + c into a plane.
 /// \param a,b slopes

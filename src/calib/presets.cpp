@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <fstream>
 #include <iostream>
+#include <string>
 
 #include <quorvel/quorvel.h>
 
@@ -18,6 +19,11 @@ void printLoadedPlane(const Quorvel& ruler) {
     const cv::Vec3f& normal = ruler.refPlaneNormal;
     std::cout << "Normal : " << normal[0] << ", " << normal[1] << ", " << normal[2] << std::endl;
     std::cout << "Camera Height : " << ruler.cameraHeight << std::endl;
+    const std::string problem = planeProblem(referencePlane(ruler));
+    if (!problem.empty()) {
+        std::cout << "The plane in " << ruler.calFilePath << " cannot be measured from: " << problem
+                  << ". Calibrate again." << std::endl;
+    }
 }
 
 /// \return whether there was a calibration file

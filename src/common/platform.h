@@ -16,6 +16,33 @@ bool pathExists(const std::string& path);
 /// \return whether a folder of this name exists
 bool isFolder(const std::string& path);
 
+/// \return whether this is a file of the disk, links followed: no folder, device or pipe, which may never end or never
+///         answer
+bool isPlainFile(const std::string& path);
+
+/// Whether new content may take this place: nothing is there, or a plain file that this process may write.
+bool mayReplace(const std::string& path);
+
+/// \return the path that a chain of symbolic links ends at, whether or not something is there; the path itself when it
+///         is no link
+std::string linkTarget(const std::string& path);
+
+/// Waits until a file's content is on the disk, so that a loss of power cannot take it.
+/// \return whether it is
+bool flushFile(const std::string& path);
+
+/// Gives a file the permissions of another, where the platform has such.
+void copyPermissions(const std::string& from, const std::string& to);
+
+/// Puts a file in another's place in one step: who opens `to` meanwhile gets the old file or the new one.
+/// \return whether it was done; else both are as they were
+bool moveOver(const std::string& from, const std::string& to);
+
+void removeFile(const std::string& path);
+
+/// \return a number that no other running process has
+unsigned long processNumber();
+
 /// Creates a folder whose parent exists.
 /// \return whether it was created; false also when something of that name was there already
 bool makeFolder(const std::string& path);

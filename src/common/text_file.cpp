@@ -2,30 +2,46 @@
 #include "common/text_file.h"
 
 #include <fstream>
-#include <iterator>
+#include <ios>
 
 #include "common/platform.h"
 
 namespace quorvel::internal {
 
-bool canRead(const std::string& path) {
-    // A folder opens as a stream on some platforms and fails only when it is read.
-    return !isFolder(path) && std::ifstream(path).is_open();
-}
+namespace {
 
-std::optional<std::string> readTextFile(const std::string& path) {
-    if (!canRead(path)) {
+/// \return the first bytes of a file, one more than kLongestText at most; nothing when it cannot be opened
+std::optional<std::string> readStart(const std::string& path) {
+    if (!isPlainFile(path)) {
         return std::nullopt;
     }
     std::ifstream file(path);
-    return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    if (!file.is_open()) {
+        return std::nullopt;
+    }
+    std::string text(kLongestText + 1, '\0');
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(file.gcount()));
+    return text;
 }
 
-bool writeTextFile(const std::string& path, const std::string& text) {
-    std::ofstream file(path);
-    file << text;
-    file.close();
-    return file.good();
+}  // namespace
+
+std::optional<std::string> readTextFile(const std::string& path) {
+    std::optional<std::string> text = readStart(path);
+    if (text && text->size() > kLongestText) {
+        const std::size_t lastSpace = text->find_last_of(" \t\n\v\f\r");
+        text->resize(lastSpace == std::string::npos ? 0 : lastSpace);
+    }
+    return text;
+}
+
+std::optional<std::string> readWholeTextFile(const std::string& path) {
+    std::optional<std::string> text = readStart(path);
+    if (text && text->size() > kLongestText) {
+        return std::nullopt;
+    }
+    return text;
 }
 
 void ensureFolder(const std::string& path) {

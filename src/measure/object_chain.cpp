@@ -48,7 +48,7 @@ int measureObject(const FrameImages& frame, const MeasureSettings& settings, Mea
     watch.lap(&StageTimes::heightCut);
     const int selected = selectObjectComponent(frame.depthSmall, settings.minPixels, mask);
     watch.lap(&StageTimes::component);
-    if (cut + selected != 0) {
+    if (cut + selected != 0 || !planeProblem(settings.plane).empty()) {
         return 1;
     }
     // From here on only the object's window of the cloud holds points: the stages see nothing else.

@@ -41,7 +41,7 @@ bool imagesFit(const FrameImages& frame, const cv::Size& fullSize);
 /// \param frame images that fit together, ground already removed from the small depth
 /// \param[out] result the record; untouched on failure
 /// \param[out] times of the stages that ran; may be null
-/// \return 0, or 1 without a plane or an object
+/// \return 0, or 1 without a plane, with one that cannot be measured from (planeProblem), or without an object
 int measureObject(const FrameImages& frame, const MeasureSettings& settings, MeasureResult& result,
                   StageTimes* times = nullptr);
 

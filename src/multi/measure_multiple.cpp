@@ -60,6 +60,7 @@ int Quorvel::measureMultiple(float lengthTolerance, float widthTolerance, float 
     for (std::size_t i = 0; i < frames; ++i) {
         MeasureResult record;
         if (measureBatchFrame(*this, i, record) != 0) {
+            printPlaneRefusal(*this);
             ClearBuffer();
             return 1;
         }

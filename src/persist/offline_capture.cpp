@@ -2,13 +2,13 @@
 #include <ctime>
 #include <string>
 
-#include <opencv2/imgcodecs.hpp>
-
 #include <quorvel/quorvel.h>
 
+#include "common/image_file.h"
 #include "common/platform.h"
 #include "common/text_file.h"
 #include "common/time_text.h"
+#include "common/whole_file.h"
 #include "persist/capture_writer.h"
 #include "ruler/members.h"
 
@@ -45,12 +45,6 @@ std::string newCaptureFolder() {
     return makeFolder(folder) ? folder : std::string();
 }
 
-void writeImage(const std::string& path, const cv::Mat& image) {
-    if (!image.empty()) {
-        cv::imwrite(path, image);
-    }
-}
-
 }  // namespace
 
 int Quorvel::saveOfflineData() {
@@ -58,9 +52,9 @@ int Quorvel::saveOfflineData() {
     if (folder.empty()) {
         return 0;
     }
-    writeTextFile(folder + "/para.txt", captureParametersText(captureParameters(*this)));
-    writeTextFile(folder + "/res.txt", captureResultText(result));
-    writeImage(folder + "/color.png", colorImage);
-    writeImage(folder + "/depth.tif", depthImage);
+    writeWholeFile(folder + "/para.txt", captureParametersText(captureParameters(*this)), FileContent::Text);
+    writeWholeFile(folder + "/res.txt", captureResultText(result), FileContent::Text);
+    writeImageFile(folder + "/color.png", colorImage);
+    writeImageFile(folder + "/depth.tif", depthImage);
     return 0;
 }

@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "persist/parameter_file.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
 
 #include "common/text_file.h"
+#include "common/whole_file.h"
 
 namespace quorvel::internal {
 
@@ -12,6 +17,37 @@ namespace {
 const char* const kCalibrationArea = "Calibration_Area";
 const char* const kDetectArea = "Detect_Area";
 const char* const kGroundWeight = "Ground_Weight";
+
+/// \return whether OpenCV would take the name for more than a name: what follows a question mark for options, this
+/// ending
+///         for a wish to compress
+bool hasMeaning(const std::string& path) {
+    constexpr std::string_view kCompressed = ".gz";
+    const bool compressed = path.size() >= kCompressed.size() &&
+                            path.compare(path.size() - kCompressed.size(), kCompressed.size(), kCompressed.data()) == 0;
+    return compressed || path.find('?') != std::string::npos;
+}
+
+/// OpenCV's parsers call themselves once a level and take some 250 bytes of the stack for each, so that a document of
+/// brackets ends the process. A level takes a bracket, a tag or, in YAML, one column of a line more than the level
+/// around it: both bounds together keep the parsers below half a megabyte. Parameter files have five levels.
+bool isTooDeep(const std::string& text) {
+    constexpr std::ptrdiff_t kMostBrackets = 1000;
+    constexpr std::size_t kLongestLine = 1000;
+    const std::ptrdiff_t brackets =
+        std::count_if(text.begin(), text.end(), [](char c) { return c == '[' || c == '{' || c == '<'; });
+    if (brackets > kMostBrackets) {
+        return true;
+    }
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = std::min(text.find('\n', start), text.size());
+        if (end - start > kLongestLine) {
+            return true;
+        }
+        start = end + 1;
+    }
+    return false;
+}
 
 bool isNumber(const cv::FileNode& node) {
     return node.isInt() || node.isReal();
@@ -37,26 +73,23 @@ float readWeight(const cv::FileNode& node) {
 }  // namespace
 
 bool writeRulerParameters(const std::string& path, const RulerParameters& parameters) {
-    // OpenCV takes what follows a question mark for options and would write to the file named before it.
-    if (path.find('?') != std::string::npos) {
+    if (hasMeaning(path)) {
         return false;
     }
-    cv::FileStorage storage(path, cv::FileStorage::WRITE);
-    if (!storage.isOpened()) {
-        return false;
-    }
+    // Into memory: the file is then written whole or not at all. The path still chooses the format.
+    cv::FileStorage storage(path, cv::FileStorage::WRITE | cv::FileStorage::MEMORY);
     storage << kCalibrationArea << parameters.calibrationArea;
     storage << kDetectArea << parameters.detectArea;
     storage << kGroundWeight << parameters.groundWeight;
-    return true;
+    return writeWholeFile(path, storage.releaseAndGetString(), FileContent::Text);
 }
 
 bool readRulerParameters(const std::string& path, RulerParameters& parameters) {
-    // An empty name or a folder is a file that cannot be opened; OpenCV would raise an error of its own for it.
-    if (!canRead(path)) {
+    const std::optional<std::string> text = readWholeTextFile(path);
+    if (!text || isTooDeep(*text)) {
         return false;
     }
-    const cv::FileStorage storage(path, cv::FileStorage::READ);
+    const cv::FileStorage storage(*text, cv::FileStorage::READ | cv::FileStorage::MEMORY);
     if (!storage.isOpened()) {
         return false;
     }

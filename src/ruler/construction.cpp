@@ -6,6 +6,7 @@
 
 #include <quorvel/quorvel.h>
 
+#include "common/image_file.h"
 #include "common/platform.h"
 #include "persist/capture_reader.h"
 #include "ruler/members.h"
@@ -97,8 +98,8 @@ bool Quorvel::startOffline() {
     imageWidth = capture.imageWidth;
     imageHeight = capture.imageHeight;
     calibStatus = true;
-    colorImage = cv::imread(folder + "/color.png", cv::IMREAD_COLOR);
-    depthImage = cv::imread(folder + "/depth.tif", cv::IMREAD_UNCHANGED);
+    colorImage = readImageFile(folder + "/color.png", cv::IMREAD_COLOR);
+    depthImage = readImageFile(folder + "/depth.tif", cv::IMREAD_UNCHANGED);
     colorSmall = colorImage.clone();
     depthSmall = depthImage.clone();
     getCameraFrame(colorImage, depthImage, auxImage);

@@ -31,6 +31,7 @@ int Quorvel::measureOnce() {
     }
     removeGround(depthSmall, filterWeight, refPlaneOffset);
     if (measureObject(frame, measureSettings(*this), result) != 0) {
+        printPlaneRefusal(*this);
         return 1;
     }
     if (productType == GROUND_TRACKING) {

@@ -2,6 +2,7 @@
 #include "ruler/members.h"
 
 #include <iostream>
+#include <string>
 
 #include "common/numbers.h"
 
@@ -15,6 +16,13 @@ void resetResult(MeasureResult& result) {
     result.width = 0.0F;
     result.height = 0.0F;
     result.sideMargin = 0.0F;
+}
+
+void printPlaneRefusal(const Quorvel& ruler) {
+    const std::string problem = planeProblem(referencePlane(ruler));
+    if (ruler.debugMode && hasPlane(ruler.refPlaneNormal) && !problem.empty()) {
+        std::cout << "The reference plane cannot be measured from: " << problem << ". Calibrate again." << std::endl;
+    }
 }
 
 void printPlane(const Plane& plane) {

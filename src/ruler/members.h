@@ -22,6 +22,9 @@ inline void adoptPlane(Quorvel& ruler, const Plane& plane) {
 /// Empties a record: no corners (their storage is kept), zero sizes, both flags false.
 void resetResult(MeasureResult& result);
 
+/// In debug mode, prints why a measurement refuses the reference plane, if it does; a plane that is not there is none.
+void printPlaneRefusal(const Quorvel& ruler);
+
 /// Prints the line with which every calibration reports its plane.
 void printPlane(const Plane& plane);
 

@@ -3,11 +3,11 @@
 
 #include <climits>
 #include <cmath>
-#include <limits>
 
 #include <gtest/gtest.h>
 
 #include "library/calib_support.h"
+#include "library/measure_draws.h"
 #include "library/plain/reference_fit.h"
 #include "support/same_bits.h"
 
@@ -21,10 +21,8 @@ using internal::normalColour;
 using internal::objectPixelMinimum;
 using internal::Plane;
 using internal::planeFromSlopes;
+using internal::planeProblem;
 using internal::signedDistance;
-
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 TEST(SignedDistance, IsNegativeBetweenCameraAndPlane) {
     const cv::Vec3f normal(0.0F, 0.6F, 0.8F);
@@ -100,10 +98,10 @@ TEST(NormalBand, IsOpenAtBothEnds) {
 
 TEST(NormalBand, HoldsNoNan) {
     const NormalBand band({127.5F, 127.5F, 127.5F});
-    EXPECT_FALSE(band.contains({kNan, 127.5F, 127.5F}));
-    EXPECT_FALSE(band.contains({127.5F, kNan, 127.5F}));
-    EXPECT_FALSE(band.contains({127.5F, 127.5F, kNan}));
-    EXPECT_FALSE(NormalBand({kNan, kNan, kNan}).contains({127.5F, 127.5F, 127.5F}));
+    EXPECT_FALSE(band.contains({kNaN, 127.5F, 127.5F}));
+    EXPECT_FALSE(band.contains({127.5F, kNaN, 127.5F}));
+    EXPECT_FALSE(band.contains({127.5F, 127.5F, kNaN}));
+    EXPECT_FALSE(NormalBand({kNaN, kNaN, kNaN}).contains({127.5F, 127.5F, 127.5F}));
 }
 
 TEST(ObjectPixelMinimum, IsTheTruncatedAreaOfASquareOf50Mm) {
@@ -118,7 +116,7 @@ TEST(ObjectPixelMinimum, IsIntMinWhenIntCannotHoldIt) {
     EXPECT_EQ(objectPixelMinimum(0.0F, 150.0F), INT_MIN);
     EXPECT_EQ(objectPixelMinimum(-0.0F, 150.0F), INT_MIN);
     EXPECT_EQ(objectPixelMinimum(0.0F, 0.0F), INT_MIN) << "infinity times 0";
-    EXPECT_EQ(objectPixelMinimum(kNan, 150.0F), INT_MIN);
+    EXPECT_EQ(objectPixelMinimum(kNaN, 150.0F), INT_MIN);
     // 50 / 0.1 * 100 = 50000, squared 2.5e9.
     EXPECT_EQ(objectPixelMinimum(0.1F, 100.0F), INT_MIN);
 }
@@ -130,6 +128,37 @@ TEST(ObjectPixelMinimum, AgreesWithThePlainForm) {
         const float fxSmall = random.between(10.0F, 400.0F);
         EXPECT_EQ(objectPixelMinimum(t, fxSmall), plain::objectPixelMinimum(t, fxSmall)) << t << ", " << fxSmall;
     }
+}
+
+TEST(PlaneProblem, AUsablePlaneHasNone) {
+    EXPECT_EQ(planeProblem({cv::Vec3f(0.0F, 0.0F, 1.0F), 1000.0F}), "");
+    EXPECT_EQ(planeProblem({cv::Vec3f(-0.0F, 0.6F, 0.8F), 0.001F}), "");
+    EXPECT_EQ(planeProblem({cv::Vec3f(0.0F, 0.0035F, 0.99F), 1.0F}), "") << "just below a hundredth off";
+    Draws draws(48);
+    for (int i = 0; i < 1000; ++i) {
+        const cv::Vec3f normal = drawNormal(draws);
+        EXPECT_EQ(planeProblem({normal, draws.real(1.0F, 5000.0F)}), "") << normal;
+    }
+}
+
+TEST(PlaneProblem, NamesTheFirstReason) {
+    const cv::Vec3f down(0.0F, 0.0F, 1.0F);
+    for (const float value : {kNaN, kInfinity, -kInfinity}) {
+        EXPECT_EQ(planeProblem({cv::Vec3f(value, 0.0F, 1.0F), 1000.0F}), "it is not four finite numbers");
+        EXPECT_EQ(planeProblem({cv::Vec3f(0.0F, value, 1.0F), 1000.0F}), "it is not four finite numbers");
+        EXPECT_EQ(planeProblem({cv::Vec3f(0.0F, 0.0F, value), 1000.0F}), "it is not four finite numbers");
+        EXPECT_EQ(planeProblem({down, value}), "it is not four finite numbers");
+    }
+    const std::string length = "the length of its normal is not 1";
+    EXPECT_EQ(planeProblem({cv::Vec3f(0.0F, 0.0F, 0.0F), 1000.0F}), length);
+    EXPECT_EQ(planeProblem({cv::Vec3f(0.0F, 0.6F, 0.78F), 1000.0F}), length);
+    EXPECT_EQ(planeProblem({cv::Vec3f(0.0F, 0.62F, 0.8F), 1000.0F}), length);
+    EXPECT_EQ(planeProblem({cv::Vec3f(3e38F, 3e38F, 3e38F), 1000.0F}), length) << "a length beyond float";
+    EXPECT_EQ(planeProblem({down, 0.0F}), "its distance from the camera is not positive");
+    EXPECT_EQ(planeProblem({down, -0.0F}), "its distance from the camera is not positive");
+    const std::string axis = "a normal along the optical axis has to be exactly 0 0 1";
+    EXPECT_EQ(planeProblem({-down, 1000.0F}), axis);
+    EXPECT_EQ(planeProblem({cv::Vec3f(0.0F, 0.0F, 0.99999F), 1000.0F}), axis);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <quorvel/quorvel.h>
 
 #include "common/text_file.h"
+#include "common/whole_file.h"
 #include "support/captured_output.h"
 #include "support/working_directory.h"
 
@@ -52,7 +53,7 @@ TEST(Platform, FoldersFilesAndImagesAgreeOnNamesBeyondAscii) {
     const WorkingDirectory here;
     ASSERT_TRUE(makeFolder(kBeyondAscii));
     EXPECT_TRUE(isFolder(kBeyondAscii));
-    ASSERT_TRUE(writeTextFile(kBeyondAscii + "/a.txt", "text\n"));
+    ASSERT_TRUE(writeWholeFile(kBeyondAscii + "/a.txt", "text\n", FileContent::Text));
     EXPECT_EQ(readTextFile(kBeyondAscii + "/a.txt"), "text\n");
     EXPECT_TRUE(pathExists(kBeyondAscii + "/a.txt"));
     ASSERT_TRUE(cv::imwrite(kBeyondAscii + "/a.png", cv::Mat::ones(2, 3, CV_8UC1)));
@@ -62,8 +63,8 @@ TEST(Platform, FoldersFilesAndImagesAgreeOnNamesBeyondAscii) {
 TEST(Platform, AnOfflineStartReadsAFolderBeyondAscii) {
     const WorkingDirectory here;
     ASSERT_TRUE(makeFolder(kBeyondAscii));
-    ASSERT_TRUE(writeTextFile(kBeyondAscii + "/para.txt",
-                              "4\n10.0\n32.0\n24.0\n60.0\n60.0\n0.016667\n0.016667\n0.0\n0.0\n1.0\n900.0\n64\n48\n"));
+    std::ofstream(kBeyondAscii + "/para.txt")
+        << "4\n10.0\n32.0\n24.0\n60.0\n60.0\n0.016667\n0.016667\n0.0\n0.0\n1.0\n900.0\n64\n48\n";
     ASSERT_TRUE(cv::imwrite(kBeyondAscii + "/color.png", cv::Mat::zeros(48, 64, CV_8UC3)));
     ASSERT_TRUE(cv::imwrite(kBeyondAscii + "/depth.tif", cv::Mat(48, 64, CV_16UC1, cv::Scalar(900))));
     const CapturedOutput silence;

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "common/text_file.h"
 
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -15,11 +19,15 @@ namespace quorvel::test {
 
 namespace {
 
-using internal::canRead;
 using internal::ensureFolder;
 using internal::isFolder;
+using internal::kLongestText;
 using internal::readTextFile;
-using internal::writeTextFile;
+using internal::readWholeTextFile;
+
+void put(const std::string& path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+}
 
 TEST(IsFolder, TellsFoldersFromFilesAndNothing) {
     const WorkingDirectory here;
@@ -47,32 +55,6 @@ TEST(IsFolder, FollowsLinks) {
     EXPECT_FALSE(isFolder("link")) << "a link to nothing";
 }
 
-TEST(CanRead, TellsFilesFromFoldersAndNothing) {
-    const WorkingDirectory here;
-    std::filesystem::create_directory("folder");
-    std::ofstream("empty").close();
-    std::ofstream("file") << "text";
-    EXPECT_TRUE(canRead("file"));
-    EXPECT_TRUE(canRead("empty"));
-    EXPECT_FALSE(canRead("folder"));
-    EXPECT_FALSE(canRead("."));
-    EXPECT_FALSE(canRead("none"));
-    EXPECT_FALSE(canRead("none/file"));
-    EXPECT_FALSE(canRead("file/none"));
-    EXPECT_FALSE(canRead(""));
-    EXPECT_FALSE(std::filesystem::exists("none")) << "asking creates nothing";
-}
-
-TEST(CanRead, NeedsThePermissionToRead) {
-    const WorkingDirectory here;
-    std::ofstream("locked") << "text";
-    std::filesystem::permissions("locked", std::filesystem::perms::none);
-    if (std::ifstream("locked").is_open()) {
-        GTEST_SKIP() << "this user may read every file";
-    }
-    EXPECT_FALSE(canRead("locked"));
-}
-
 TEST(ReadTextFile, HandsBackEveryCharacter) {
     const WorkingDirectory here;
     std::ofstream("a.txt", std::ios::binary) << "one\n\n two \tthree\n";
@@ -98,21 +80,59 @@ TEST(ReadTextFile, AFolderIsNothing) {
     EXPECT_FALSE(readTextFile("folder").has_value());
 }
 
-TEST(WriteTextFile, ReplacesWhatWasThere) {
+TEST(ReadTextFile, NeedsThePermissionToRead) {
     const WorkingDirectory here;
-    EXPECT_TRUE(writeTextFile("a.txt", "a long first text\n"));
-    EXPECT_TRUE(writeTextFile("a.txt", "short\n"));
-    EXPECT_EQ(readTextFile("a.txt"), "short\n");
+    put("locked", "text");
+    std::filesystem::permissions("locked", std::filesystem::perms::none);
+    if (std::ifstream("locked").is_open()) {
+        GTEST_SKIP() << "this user may read every file";
+    }
+    EXPECT_FALSE(readTextFile("locked").has_value());
 }
 
-TEST(WriteTextFile, SaysWhenTheFileCannotBeOpened) {
+TEST(ReadTextFile, LooksAtTheStartOfALongFileOnly) {
     const WorkingDirectory here;
-    std::filesystem::create_directory("folder");
-    EXPECT_FALSE(writeTextFile("missing/a.txt", "text"));
-    EXPECT_FALSE(writeTextFile("folder", "text"));
-    EXPECT_FALSE(std::filesystem::exists("missing"));
-    EXPECT_TRUE(std::filesystem::is_directory("folder"));
+    put("long.txt", "1 2" + std::string(10 * kLongestText, ' ') + "3");
+    EXPECT_EQ(readTextFile("long.txt"), "1 2" + std::string(kLongestText - 3, ' '));
+    EXPECT_FALSE(readWholeTextFile("long.txt").has_value());
 }
+
+TEST(ReadTextFile, LeavesOutAWordThatItsBoundCuts) {
+    const WorkingDirectory here;
+    put("cut.txt", std::string(kLongestText - 2, ' ') + "12345");
+    EXPECT_EQ(readTextFile("cut.txt"), std::string(kLongestText - 3, ' ')) << "12345 must not become 123";
+    put("word.txt", std::string(kLongestText + 1, '7'));
+    EXPECT_EQ(readTextFile("word.txt"), "");
+}
+
+TEST(ReadTextFile, TakesATextAsLongAsItsBound) {
+    const WorkingDirectory here;
+    put("full.txt", std::string(kLongestText, '7'));
+    EXPECT_EQ(readTextFile("full.txt"), std::string(kLongestText, '7'));
+    EXPECT_EQ(readWholeTextFile("full.txt"), std::string(kLongestText, '7'));
+}
+
+#ifndef _WIN32
+
+TEST(ReadTextFile, DoesNotWaitForAPipeNorReadADevice) {
+    const WorkingDirectory here;
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    EXPECT_FALSE(readTextFile("pipe").has_value());
+    EXPECT_FALSE(readTextFile("/dev/zero").has_value());
+    std::filesystem::create_symlink("/dev/zero", "link");
+    EXPECT_FALSE(readTextFile("link").has_value());
+    EXPECT_FALSE(readWholeTextFile("link").has_value());
+}
+
+TEST(ReadTextFile, ALinkToNothingIsNothing) {
+    const WorkingDirectory here;
+    std::filesystem::create_symlink("none", "link");
+    EXPECT_FALSE(readTextFile("link").has_value());
+    put("none", "text");
+    EXPECT_EQ(readTextFile("link"), "text");
+}
+
+#endif
 
 TEST(EnsureFolder, CreatesAMissingFolder) {
     const WorkingDirectory here;
@@ -123,14 +143,14 @@ TEST(EnsureFolder, CreatesAMissingFolder) {
 TEST(EnsureFolder, LeavesAFolderWithItsFiles) {
     const WorkingDirectory here;
     std::filesystem::create_directory("param");
-    writeTextFile("param/a.txt", "kept");
+    put("param/a.txt", "kept");
     ensureFolder("param");
     EXPECT_EQ(readTextFile("param/a.txt"), "kept");
 }
 
 TEST(EnsureFolder, LeavesAFileOfThatName) {
     const WorkingDirectory here;
-    writeTextFile("param", "a file");
+    put("param", "a file");
     ensureFolder("param");
     EXPECT_EQ(readTextFile("param"), "a file");
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "library/plain/object_chain.h"
 
+#include <cmath>
 #include <iostream>
 
 #include <opencv2/imgproc.hpp>
@@ -26,6 +27,16 @@ void lowerHeight(Quorvel& ruler) {
     } else if (t > 1100.0F) {
         ruler.result.height -= 8.0F;
     }
+}
+
+/// A unit normal, a positive distance, and a direction in the picture to turn the footprint by. NaN is none of these.
+bool isPlane(const cv::Vec3f& n, float offset) {
+    const double x = n[0];
+    const double y = n[1];
+    const double z = n[2];
+    const double length = std::sqrt(x * x + y * y + z * z);
+    const bool hasDirections = n[0] != 0.0F || n[1] != 0.0F || n[2] == 1.0F;
+    return length >= 0.99 && length <= 1.01 && offset > 0.0F && !std::isinf(offset) && hasDirections;
 }
 
 }  // namespace
@@ -65,7 +76,7 @@ int measureObject(ChainFrame& frame, float minHeight, int minPixels, const Footp
     const int cut =
         cutAboveReferencePlane(frame.depthSmall, frame.cloudSmall, input.normal, input.offset, minHeight, mask);
     const int selection = selectObjectComponent(frame.depthSmall, minPixels, mask);
-    if (cut + selection != 0) {
+    if (cut + selection != 0 || !isPlane(input.normal, input.offset)) {
         return 1;
     }
     cv::Mat fullMask;

@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: Apache-2.0
+// A process that writes files over and over is killed at random instants: whoever comes next finds the old files or the
+// new ones.
+
+#include <filesystem>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <opencv2/imgcodecs.hpp>
+
+#include <quorvel/quorvel.h>
+
+#include "support/working_directory.h"
+#include "survival/survival_support.h"
+
+namespace quorvel::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kKills = 400;
+constexpr int kLongestLife = 12000;  // us; some ten rounds of writing
+constexpr int kNear = 800;           // mm
+constexpr int kFar = 1000;           // mm
+
+/// Kills writers and looks at what they leave.
+/// \param write one round of writing, over and over in a process of its own
+/// \param expectWhole what holds after every kill
+template <typename Write, typename ExpectWhole>
+void killOften(Write write, ExpectWhole expectWhole) {
+    std::mt19937 random(7);
+    int killed = 0;
+    for (int i = 0; i < kKills; ++i) {
+        const int delay = static_cast<int>(random() % kLongestLife);
+        killed += killedAfter(delay, [&] {
+            for (;;) {
+                write();
+            }
+        });
+        expectWhole(i);
+        if (::testing::Test::HasFailure()) {
+            return;
+        }
+    }
+    EXPECT_EQ(killed, kKills);
+}
+
+/// What killed writers left beside the files is named so that nobody takes it for one of them.
+void expectOnlyThese(const fs::path& folder, const std::vector<std::string>& wanted) {
+    for (const std::string& name : namesIn(folder)) {
+        const bool known = std::find(wanted.begin(), wanted.end(), name) != wanted.end();
+        EXPECT_TRUE(known || isBeside(name)) << folder << " holds " << name;
+    }
+}
+
+TEST(KillLoop, TheCalibrationIsTheOldOneOrTheNew) {
+    const WorkingDirectory here;
+    Quorvel near = rulerAbove(kNear);
+    Quorvel far = rulerAbove(kFar);
+    float t = 0.0F;
+    far.calibRef(t, 0.0F);
+    const std::string farLine = bytesOf("param/cal.txt");
+    const std::string farImage = bytesOf("param/depth.tif");
+    near.calibRef(t, 0.0F);
+    const std::string nearLine = bytesOf("param/cal.txt");
+    const std::string nearImage = bytesOf("param/depth.tif");
+    ASSERT_EQ(nearLine, "-0.000000 -0.000000 1.000000 800.000000\n");
+    ASSERT_NE(farLine, nearLine);
+    ASSERT_NE(farImage, nearImage);
+    int fars = 0;
+    killOften(
+        [&] {
+            far.calibRef(t, 0.0F);
+            near.calibRef(t, 0.0F);
+        },
+        [&](int kill) {
+            const std::string line = bytesOf("param/cal.txt");
+            const std::string image = bytesOf("param/depth.tif");
+            EXPECT_TRUE(line == farLine || line == nearLine) << "kill " << kill << " left \"" << line << '"';
+            EXPECT_TRUE(image == farImage || image == nearImage) << "kill " << kill << ", " << image.size() << " bytes";
+            fars += line == farLine ? 1 : 0;
+        });
+    EXPECT_GT(fars, 0) << "no kill came while the other line stood";
+    EXPECT_LT(fars, kKills);
+    expectOnlyThese("param", {"cal.txt", "depth.tif"});
+}
+
+TEST(KillLoop, TheParameterFileIsTheOldOneOrTheNew) {
+    const WorkingDirectory here;
+    Quorvel one = rulerAbove(kNear);
+    Quorvel two = rulerAbove(kNear);
+    two.calibrationRoI = {1, 2, 3, 4};
+    two.filterWeight = 0.25F;
+    for (const std::string path : {"ruler.yml", "ruler.xml", "ruler.json"}) {
+        ASSERT_TRUE(two.saveRulerParam(path));
+        const std::string second = bytesOf(path);
+        ASSERT_TRUE(one.saveRulerParam(path));
+        const std::string first = bytesOf(path);
+        ASSERT_NE(first, second);
+        killOften(
+            [&] {
+                two.saveRulerParam(path);
+                one.saveRulerParam(path);
+            },
+            [&](int kill) {
+                const std::string text = bytesOf(path);
+                EXPECT_TRUE(text == first || text == second) << path << ", kill " << kill << " left \"" << text << '"';
+            });
+    }
+    expectOnlyThese(".", {"ruler.yml", "ruler.xml", "ruler.json"});
+}
+
+/// Captures into a folder of its own each time, since a second has but one capture folder.
+void captureForever(Quorvel& ruler, const fs::path& root) {
+    for (int i = 0;; ++i) {
+        const fs::path folder = root / std::to_string(i);
+        fs::create_directories(folder);
+        fs::current_path(folder);
+        ruler.saveOfflineData();
+    }
+}
+
+TEST(KillLoop, EveryFileOfACaptureIsWholeOrMissing) {
+    const WorkingDirectory here;
+    Quorvel ruler = rulerAbove(kNear);
+    const fs::path model = here.path() / "model";
+    fs::create_directory(model);
+    fs::current_path(model);
+    ruler.saveOfflineData();
+    fs::current_path(here.path());
+    fs::path modelFolder;
+    for (const auto& entry : fs::recursive_directory_iterator(model)) {
+        modelFolder = entry.is_regular_file() ? entry.path().parent_path() : modelFolder;
+    }
+    const std::vector<std::string> files{"color.png", "depth.tif", "para.txt", "res.txt"};
+    ASSERT_EQ(namesIn(modelFolder), files);
+    int missing = 0;
+    int whole = 0;
+    killOften([&] { captureForever(ruler, here.path() / "captures"); },
+              [&](int kill) {
+                  for (const auto& entry : fs::recursive_directory_iterator(here.path() / "captures")) {
+                      const std::string name = entry.path().filename();
+                      if (entry.is_regular_file() && !isBeside(name)) {
+                          EXPECT_EQ(bytesOf(entry.path()), bytesOf(modelFolder / name)) << entry.path() << ", " << kill;
+                          ++whole;
+                      }
+                      if (entry.is_directory() && name.size() > 10) {
+                          missing += fs::exists(entry.path() / "depth.tif") ? 0 : 1;
+                      }
+                  }
+                  fs::remove_all(here.path() / "captures");
+                  fs::create_directory(here.path() / "captures");
+              });
+    EXPECT_GT(whole, kKills) << "hardly a capture was written";
+    EXPECT_GT(missing, 0) << "no kill came within a capture";
+}
+
+}  // namespace
+
+}  // namespace quorvel::test
