@@ -49,6 +49,15 @@ bool isTooDeep(const std::string& text) {
     return false;
 }
 
+/// OpenCV's parser follows a null pointer in an XML document that ends within a tag.
+bool isCutXml(const std::string& text) {
+    constexpr std::string_view kEnd = "</opencv_storage>";
+    const std::size_t last = text.find_last_not_of(" \t\r\n");
+    const bool closed = last != std::string::npos && last + 1 >= kEnd.size() &&
+                        text.compare(last + 1 - kEnd.size(), kEnd.size(), kEnd.data()) == 0;
+    return text.compare(0, 5, "<?xml") == 0 && !closed;
+}
+
 bool isNumber(const cv::FileNode& node) {
     return node.isInt() || node.isReal();
 }
@@ -88,6 +97,9 @@ bool readRulerParameters(const std::string& path, RulerParameters& parameters) {
     const std::optional<std::string> text = readWholeTextFile(path);
     if (!text || isTooDeep(*text)) {
         return false;
+    }
+    if (isCutXml(*text)) {
+        CV_Error(cv::Error::StsParseError, path + " does not end as a document of this kind does.");
     }
     const cv::FileStorage storage(*text, cv::FileStorage::READ | cv::FileStorage::MEMORY);
     if (!storage.isOpened()) {

@@ -404,7 +404,8 @@ TEST(HostileParameterFile, CutOffAtEveryByteIsAnErrorOrLacksItsKeys) {
 TEST(HostileParameterFile, GarbageIsAnErrorOrLacksItsKeys) {
     const WorkingDirectory here;
     Draws draws(47);
-    for (const std::string start : {"", "%YAML:1.0\n---\n", "{ \"Detect_Area\": ", "<?xml version=\"1.0\"?>\n<opencv_storage>\n"}) {
+    for (const std::string start :
+         {"", "%YAML:1.0\n---\n", "{ \"Detect_Area\": ", "<?xml version=\"1.0\"?>\n<opencv_storage>\n"}) {
         for (int run = 0; run < 200; ++run) {
             put("ruler.yml", start + garbage(draws, draws.below(100)));
             EXPECT_NE(outcomeOfLoading("ruler.yml"), "false");
@@ -453,13 +454,14 @@ TEST(HostileParameterFile, GigabytesAreNotRead) {
 
 TEST(HostileParameterFile, NumbersThatAreNoneOrHugeDoNoHarm) {
     const WorkingDirectory here;
-    for (const std::string number : {".nan", ".inf", "-.inf", "1e999", "-1e999", "99999999999999999999", "0,5", "1e-999"}) {
+    for (const std::string number :
+         {".nan", ".inf", "-.inf", "1e999", "-1e999", "99999999999999999999", "0,5", "1e-999"}) {
         std::string area = "[ ";
         for (int i = 0; i < 4; ++i) {
             area += number + (i < 3 ? ", " : " ]\n");
         }
-        put("ruler.yml", "%YAML:1.0\n---\nCalibration_Area: " + area + "Detect_Area: " + area + "Ground_Weight: " + number +
-                             "\n");
+        put("ruler.yml",
+            "%YAML:1.0\n---\nCalibration_Area: " + area + "Detect_Area: " + area + "Ground_Weight: " + number + "\n");
         EXPECT_NE(outcomeOfLoading("ruler.yml"), "false") << number;
     }
 }

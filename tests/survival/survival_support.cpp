@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "survival/survival_support.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace quorvel::test {
 

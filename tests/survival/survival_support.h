@@ -15,7 +15,8 @@ namespace quorvel::test {
 constexpr int kSurvivalWidth = 160;   // pixels
 constexpr int kSurvivalHeight = 120;  // pixels
 
-/// \return a ruler for frames of 160 x 120 that has seen a flat surface, calibrating by growing and without random draws
+/// \return a ruler for frames of 160 x 120 that has seen a flat surface, calibrating by growing and without random
+/// draws
 Quorvel rulerAbove(int distance);
 
 /// \return the depth image of a flat surface, mm
