@@ -189,9 +189,9 @@ public:
     float cxSmall = 0.0F;
     /// Row of the principal point for the small images, pixels: cy / 4. 0 after an offline start.
     float cySmall = 0.0F;
-    /// Full frame width W, pixels. Written by the constructor. Initially its argument.
+    /// Full frame width W, pixels, at most 32768. Written by the constructor. Initially its argument.
     int imageWidth = 0;
-    /// Full frame height H, pixels. Written by the constructor. Initially its argument.
+    /// Full frame height H, pixels, at most 32768. Written by the constructor. Initially its argument.
     int imageHeight = 0;
     /// Factor between full and small images. Written by the constructor. Initially 4.
     int downScale = 0;
@@ -248,7 +248,8 @@ public:
     ///
     /// \param fx,fy focal lengths of the depth camera, pixels, full size
     /// \param cx,cy principal point, pixels, full size
-    /// \param width,height frame size W, H, pixels
+    /// \param width,height frame size W, H, pixels; not checked here, frames beyond the limits of getCameraFrame() are
+    ///        refused later
     /// \param offlineMode replay a stored capture
     /// \param offlineDir folder of that capture, relative to the working directory
     QUORVEL_API Quorvel(float fx, float fy, float cx, float cy, int width, int height, bool offlineMode,
@@ -267,6 +268,8 @@ public:
     ///
     /// \param color CV_8UC3, H x W
     /// \param depth CV_16UC1, H x W, mm along the optical axis, 0 = no measurement
+    /// Frames are limited to 32768 pixels a side and 2^26 (67108864) in all; a ruler of larger frames refuses every
+    /// one of them before it allocates anything.
     /// \return true when the frame was taken in. false when an image is empty (both clones are kept, the derived
     ///         images stay), or when size, type or `downScale` do not fit (nothing changes). In offline mode the
     ///         arguments are ignored and the stored images are used.

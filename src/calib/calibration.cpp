@@ -9,6 +9,7 @@
 #include "calib/calibration_region.h"
 #include "calib/reference_fit.h"
 #include "calib/smoothing.h"
+#include "common/frame_size.h"
 #include "common/image_file.h"
 #include "common/text_file.h"
 #include "ruler/back_projection.h"
@@ -52,7 +53,7 @@ int Quorvel::calibRef(float& t, float offset) {
     if (debugMode) {
         std::cout << "Quorvel Calib Ref Plane Start" << std::endl;
     }
-    if (!hasForm(depthImage, imageHeight, imageWidth, CV_16UC1)) {
+    if (!isFrameSize(imageWidth, imageHeight) || !hasForm(depthImage, imageHeight, imageWidth, CV_16UC1)) {
         if (debugMode) {
             std::cout << "No depth frame to calibrate on." << std::endl;
         }
@@ -79,7 +80,8 @@ int Quorvel::calibRef(float& t, float offset) {
 
 int Quorvel::ransacCalibRef() {
     Plane plane = referencePlane(*this);
-    if (pointCloudSmall.type() == CV_32FC3 && pointCloudSmall.dims == 2) {
+    if (isFrameSize(pointCloudSmall.cols, pointCloudSmall.rows) &&
+        hasForm(pointCloudSmall, pointCloudSmall.rows, pointCloudSmall.cols, CV_32FC3)) {
         plane = fitDominantPlane(pointCloudSmall, plane);
     }
     adoptPlane(*this, plane);

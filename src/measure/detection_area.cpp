@@ -7,6 +7,7 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "common/frame_size.h"
 #include "common/growing_buffer.h"
 #include "common/numbers.h"
 #include "common/scratch.h"
@@ -50,7 +51,7 @@ cv::Rect insidePicture(const cv::Rect& region, const cv::Size& image) {
 }  // namespace
 
 bool topFaceMeetsRegion(const std::array<cv::Point2f, 4>& topFace, const cv::Rect& region, const cv::Size& image) {
-    if (image.width <= 0 || image.height <= 0) {
+    if (!isFrameSize(image.width, image.height)) {
         return false;
     }
     Polygon polygon = drawnPolygon(topFace);

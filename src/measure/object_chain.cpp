@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "measure/object_chain.h"
 
+#include "common/frame_size.h"
 #include "common/scratch.h"
 #include "measure/footprint.h"
 #include "measure/height_cut.h"
@@ -29,10 +30,13 @@ MeasureResult footprint(const cv::Mat& depthSmall, const cv::Mat& object, const 
 }  // namespace
 
 bool imagesFit(const FrameImages& frame, const cv::Size& fullSize) {
-    return !frame.depthSmall.empty() && frame.depthSmall.type() == CV_16UC1 && frame.depthSmall.dims == 2 &&
-           frame.cloudSmall.type() == CV_32FC3 && frame.cloudSmall.dims == 2 &&
-           frame.cloudSmall.size() == frame.depthSmall.size() && !frame.cloud.empty() &&
-           frame.cloud.type() == CV_32FC3 && frame.cloud.dims == 2 && frame.cloud.size() == fullSize;
+    const auto hasForm = [](const cv::Mat& image, const cv::Size& size, int type) {
+        return !image.empty() && image.dims == 2 && image.size() == size && image.type() == type;
+    };
+    const cv::Size smallSize(frame.depthSmall.cols, frame.depthSmall.rows);
+    return isFrameSize(smallSize.width, smallSize.height) && isFrameSize(fullSize.width, fullSize.height) &&
+           hasForm(frame.depthSmall, smallSize, CV_16UC1) && hasForm(frame.cloudSmall, smallSize, CV_32FC3) &&
+           hasForm(frame.cloud, fullSize, CV_32FC3);
 }
 
 int measureObject(const FrameImages& frame, const MeasureSettings& settings, MeasureResult& result, StageTimes* times) {

@@ -34,7 +34,8 @@ struct MeasureSettings {
     FootprintVariant variant = FootprintVariant::General;
 };
 
-/// \return whether the images have the types above, the small ones one size and the full cloud a size of its own
+/// \return whether the images have the types above and pixels, the small ones one size and the full cloud a size of its
+///         own, all of them within the limits of isFrameSize()
 bool imagesFit(const FrameImages& frame, const cv::Size& fullSize);
 
 /// Measures the object in one frame: height cut, object component, mask and cloud, surface filter, footprint.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <iostream>
+#include <string>
 #include <utility>
 
 #include <opencv2/imgcodecs.hpp>

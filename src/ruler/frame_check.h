@@ -7,12 +7,12 @@
 
 namespace quorvel::internal {
 
-/// \return whether an image has exactly this size and type
+/// \return whether an image has pixels and exactly this size and type
 bool hasForm(const cv::Mat& image, int rows, int columns, int type);
 
 /// Checks a frame before it is taken in.
 /// \param color,depth the frame, not empty
-/// \param width,height the frame size expected, pixels
+/// \param width,height the frame size expected, pixels; refused beyond the limits of isFrameSize()
 /// \param downScale factor between full and small images
 /// \return nothing wrong: an empty text; otherwise one line that says what was expected and what came
 std::string frameProblem(const cv::Mat& color, const cv::Mat& depth, int width, int height, int downScale);

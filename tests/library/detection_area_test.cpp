@@ -85,7 +85,7 @@ TEST(DetectionArea, TakesARegionThatEndsBeyondTheLargestInt) {
 }
 
 TEST(DetectionArea, FindsNothingInAPictureWithoutPixels) {
-    for (const cv::Size& picture : {cv::Size(0, 0), {0, 48}, {64, 0}}) {
+    for (const cv::Size& picture : {cv::Size(0, 0), {0, 48}, {64, 0}, {32769, 48}, {8193, 8192}, {INT_MAX, INT_MAX}}) {
         EXPECT_FALSE(internal::topFaceMeetsRegion(squareAt(-5, -5, 50), {-10, -10, 100, 100}, picture)) << picture;
     }
 }

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "library/hostile_draws.h"
+
 namespace quorvel::test {
 
 namespace {
@@ -27,6 +29,8 @@ TEST(FrameCheck, TellsAnImagesForm) {
     EXPECT_FALSE(internal::hasForm(kDepth, 48, 63, CV_16UC1));
     EXPECT_FALSE(internal::hasForm(kDepth, 48, 64, CV_16SC1));
     EXPECT_FALSE(internal::hasForm(cv::Mat(), 48, 64, CV_16UC1));
+    EXPECT_FALSE(internal::hasForm(cv::Mat(0, 0, CV_16UC1), 0, 0, CV_16UC1)) << "no pixels";
+    EXPECT_FALSE(internal::hasForm(withoutPixels(48, 64, CV_16UC1), 48, 64, CV_16UC1));
     EXPECT_FALSE(internal::hasForm(cube(CV_16UC1), 48, 64, CV_16UC1));
     EXPECT_FALSE(internal::hasForm(cube(CV_16UC1), -1, -1, CV_16UC1)) << "rows and columns of a cube are -1";
 }
@@ -50,6 +54,22 @@ TEST(FrameCheck, SaysWhatWasExpectedAndWhatCame) {
     EXPECT_EQ(frameProblem(cube(CV_8UC3), cv::Mat(48, 64, CV_32FC1), 64, 48, 4),
               "Frame refused: expected colour and depth of 64 x 48 in CV_8UC3 and CV_16UC1, got colour 64 x 48 x 2 "
               "CV_8UC3 and depth 64 x 48 CV_32FC1.");
+}
+
+TEST(FrameCheck, SaysWhichImageHasNoPixels) {
+    EXPECT_EQ(frameProblem(kColor, withoutPixels(48, 64, CV_16UC1), 64, 48, 4),
+              "Frame refused: expected colour and depth of 64 x 48 in CV_8UC3 and CV_16UC1, got colour 64 x 48 CV_8UC3 "
+              "and depth 64 x 48 CV_16UC1 without pixels.");
+}
+
+TEST(FrameCheck, RefusesFramesThatAreTooLarge) {
+    EXPECT_EQ(frameProblem(kColor, kDepth, 32769, 48, 4),
+              "Frame refused: a frame of 32769 x 48 is too large, at most 32768 pixels a side and 67108864 in all are "
+              "measured.");
+    EXPECT_NE(frameProblem(kColor, kDepth, 8193, 8192, 4).find("too large"), std::string::npos);
+    EXPECT_NE(frameProblem(kColor, kDepth, INT_MAX, INT_MAX, 4).find("too large"), std::string::npos);
+    EXPECT_EQ(frameProblem(kColor, kDepth, 8192, 8192, 4).find("too large"), std::string::npos) << "2^26 pixels";
+    EXPECT_EQ(frameProblem(cv::Mat(4, 32768, CV_8UC3), cv::Mat(4, 32768, CV_16UC1), 32768, 4, 4), "");
 }
 
 TEST(FrameCheck, RefusesEveryMismatch) {

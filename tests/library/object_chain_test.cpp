@@ -264,6 +264,33 @@ TEST(ImagesFit, RefusesEmptyImages) {
     EXPECT_FALSE(nothing.fits());
 }
 
+TEST(ImagesFit, RefusesImagesWithoutPixels) {
+    Fit noDepth;
+    noDepth.depthSmall.data = nullptr;
+    EXPECT_FALSE(noDepth.fits());
+    Fit noCloudSmall;
+    noCloudSmall.cloudSmall.data = nullptr;
+    EXPECT_FALSE(noCloudSmall.fits());
+    Fit noCloud;
+    noCloud.cloud.data = nullptr;
+    EXPECT_FALSE(noCloud.fits());
+}
+
+TEST(ImagesFit, RefusesSizesThatNoFrameHas) {
+    Fit wide;
+    wide.cloud = cv::Mat::zeros(1, 32769, CV_32FC3);
+    wide.fullSize = wide.cloud.size();
+    EXPECT_FALSE(wide.fits());
+    Fit wideSmall;
+    wideSmall.depthSmall = cv::Mat::zeros(1, 32769, CV_16UC1);
+    wideSmall.cloudSmall = cv::Mat::zeros(1, 32769, CV_32FC3);
+    EXPECT_FALSE(wideSmall.fits());
+    Fit widest;
+    widest.cloud = cv::Mat::zeros(1, 32768, CV_32FC3);
+    widest.fullSize = widest.cloud.size();
+    EXPECT_TRUE(widest.fits());
+}
+
 TEST(ImagesFit, RefusesOtherTypes) {
     Fit depth;
     depth.depthSmall = cv::Mat::zeros(12, 16, CV_8UC1);
