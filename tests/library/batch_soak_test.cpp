@@ -7,14 +7,7 @@
 
 #include "library/depth_scene.h"
 #include "library/frame_draws.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#define QUORVEL_QUARANTINED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QUORVEL_QUARANTINED 1
-#endif
-#endif
+#include "support/quarantine.h"
 
 namespace quorvel::test {
 
@@ -46,9 +39,9 @@ TEST(BatchSoak, NeedsNoMoreMemoryAfterAThousandBatches) {
     if (residentPages() == 0) {
         GTEST_SKIP() << "the system does not tell how much memory a process has";
     }
-#ifdef QUORVEL_QUARANTINED
-    GTEST_SKIP() << "the address sanitizer keeps freed memory";
-#endif
+    if (kKeepsFreedMemory) {
+        GTEST_SKIP() << "the address sanitizer keeps freed memory";
+    }
     const DepthScene scene = blockScene(200);
     Draws draws(54);
     Quorvel ruler = scene.ruler();
