@@ -9,7 +9,8 @@ namespace quorvel::internal {
 /// storage. The host may keep any image that it took from a ruler; its pixels are never written again.
 /// \param[in,out] image afterwards continuous; its pixels hold anything
 inline void createExclusive(cv::Mat& image, const cv::Size& size, int type) {
-    const bool fits = image.dims == 2 && image.size() == size && image.type() == type && image.isContinuous();
+    const bool fits = image.data != nullptr && image.dims == 2 && image.size() == size && image.type() == type &&
+                      image.isContinuous();
     // Adding nothing reads the count as other threads' holders change it.
     if (fits && image.u != nullptr && CV_XADD(&image.u->refcount, 0) == 1) {
         return;

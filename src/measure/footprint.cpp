@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -29,13 +30,18 @@ struct Box {
     float rawHeight = 0.0F;  ///< 0.99 quantile, mm
 };
 
-FootprintCorners minimumRectangle(const std::vector<cv::Point>& footprint) {
+/// \return nothing when OpenCV finds no side to start from: points so far out that their distances vanish in float
+std::optional<FootprintCorners> minimumRectangle(const std::vector<cv::Point>& footprint) {
     FootprintCorners corners;
-    cv::minAreaRect(footprint).points(corners.data());
+    try {
+        cv::minAreaRect(footprint).points(corners.data());
+    } catch (const cv::Exception&) {
+        return std::nullopt;
+    }
     return corners;
 }
 
-/// \return a box without corners when there are fewer than 4 points
+/// \return a box without corners when there are fewer than 4 points or no rectangle around them
 Box findBox(const cv::Mat& cloud, const Plane& plane, const Projection& camera) {
     const PlaneBasis basis = planeBasis(plane.normal);
     const Borrowed<ObjectPoints> scratch;
@@ -45,9 +51,12 @@ Box findBox(const cv::Mat& cloud, const Plane& plane, const Projection& camera) 
     if (object.count < kLeastPoints) {
         return box;
     }
-    const FootprintCorners footprint = minimumRectangle(object.outline);
-    box.corners = boxCorners(footprint, basis, plane, object.largestDistance, camera);
-    box.sides = correctedSides(footprintSides(footprint), box.corners, object.count);
+    const std::optional<FootprintCorners> footprint = minimumRectangle(object.outline);
+    if (!footprint) {
+        return box;
+    }
+    box.corners = boxCorners(*footprint, basis, plane, object.largestDistance, camera);
+    box.sides = correctedSides(footprintSides(*footprint), box.corners, object.count);
     box.rawHeight = heightQuantile(object.heights.atLeast(object.count), object.count);
     return box;
 }

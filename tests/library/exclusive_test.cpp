@@ -47,6 +47,10 @@ TEST(CreateExclusive, ReplacesWhatDoesNotFit) {
     cv::Mat nothing;
     internal::createExclusive(nothing, kSize, CV_16UC1);
     EXPECT_EQ(nothing.size(), kSize);
+    cv::Mat robbed(kSize, CV_16UC1);
+    robbed.data = nullptr;
+    internal::createExclusive(robbed, kSize, CV_16UC1);
+    EXPECT_NE(robbed.data, nullptr);
 }
 
 TEST(CopyExclusive, CopiesPixels) {

@@ -36,7 +36,7 @@ cv::Vec3f drawOddNormal(Draws& draws) {
 
 TEST(HostileClouds, AreMeasured) {
     const CapturedOutput output;
-    Draws draws(1);
+    Draws draws(777);
     int measured = 0;
     for (int i = 0; i < 4000; ++i) {
         DepthScene scene = blockScene(draws.real(20, 400));
@@ -320,7 +320,7 @@ private:
                                                        &Quorvel::minObjectPixels, &Quorvel::productType};
         static const auto kImages = rulerImages();
         static const auto kBuffers = rulerBuffers();
-        const int what = draws_.below(9);
+        const int what = draws_.below(10);
         tell("write " + std::to_string(what));
         switch (what) {
             case 0:
@@ -334,6 +334,10 @@ private:
                 break;
             case 3:
                 ruler_.*pick(kImages).second = ruler_.*pick(kImages).second;
+                break;
+            case 9:
+                // A header of its own: what shares the pixels keeps them.
+                (ruler_.*pick(kImages).second).data = nullptr;
                 break;
             case 4:
                 (ruler_.*pick(kBuffers).second).resize(static_cast<std::size_t>(draws_.below(4)), drawOddImage(draws_));
