@@ -17,8 +17,9 @@ void addCalibrationOptions(CLI::App& app, CalibrationOptions& options) {
 }
 
 CalibrationSettings calibrationSettings(const CalibrationOptions& options, cv::Size picture) {
-    if (!std::isfinite(options.offset)) {
-        throw InputError("--offset: must be a finite number of millimetres");
+    constexpr double kDeepest = 65535.0;  // mm, of a depth image
+    if (!(std::abs(options.offset) <= kDeepest)) {
+        throw InputError("--offset: must be a finite number of millimetres, from -65535 to 65535");
     }
     CalibrationSettings settings;
     settings.offset = options.offset;

@@ -11,12 +11,14 @@ namespace quorvel::command {
 void requireSensible(const Camera& camera, const std::string& source) {
     constexpr int kSmallest = 16;
     constexpr int kLargest = 16384;
-    const bool finite =
-        std::isfinite(camera.fx) && std::isfinite(camera.fy) && std::isfinite(camera.cx) && std::isfinite(camera.cy);
-    if (!finite || camera.fx <= 0.0 || camera.fy <= 0.0) {
+    // Pixels; a lens of 1 degree at the largest picture has just under. The library keeps them as floats.
+    constexpr double kLongest = 1e6;
+    const auto isFocal = [](double focal) { return focal >= 1.0 && focal <= kLongest; };
+    const auto isPoint = [](double coordinate) { return std::abs(coordinate) <= kLongest; };
+    if (!isFocal(camera.fx) || !isFocal(camera.fy) || !isPoint(camera.cx) || !isPoint(camera.cy)) {
         throw InputError(source + ": the focal lengths are " + fixed(camera.fx, 3) + " and " + fixed(camera.fy, 3) +
                          ", the principal point is (" + fixed(camera.cx, 3) + ", " + fixed(camera.cy, 3) +
-                         "); give finite pixels, the focal lengths above 0");
+                         "); give pixels, the focal lengths from 1 to 1000000");
     }
     const auto sensible = [](int side) { return side >= kSmallest && side <= kLargest; };
     if (!sensible(camera.width) || !sensible(camera.height)) {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "frame_options.h"
 
-#include <cmath>
-
 #include "input_error.h"
 
 namespace quorvel::command {
@@ -37,10 +35,11 @@ void addFrameListOptions(CLI::App& app, FrameListOptions& options) {
 }
 
 CameraFrame readCameraFrame(const FrameOptions& options) {
-    if (!std::isfinite(options.millimetresPerUnit) || options.millimetresPerUnit <= 0.0) {
+    constexpr double kLargestUnit = 1e6;  // mm, a kilometre
+    if (!(options.millimetresPerUnit > 0.0 && options.millimetresPerUnit <= kLargestUnit)) {
         throw InputError(
-            "--depth-scale: the millimetres of one stored unit are above 0; give 1 for millimetres, 1000 "
-            "for metres");
+            "--depth-scale: the millimetres of one stored unit are above 0 and at most 1000000; give 1 for "
+            "millimetres, 1000 for metres");
     }
     CameraFrame result;
     result.frame = readFrame(options.color, options.depth, options.millimetresPerUnit);

@@ -45,8 +45,9 @@ void requireSensible(const MeasureOptions& options) {
     if (options.filterWeight && !std::isfinite(*options.filterWeight)) {
         throw InputError("--filter-weight: must be a finite number, such as 0.005 or -1");
     }
-    if (options.minHeight && !(std::isfinite(*options.minHeight) && *options.minHeight > 0.0F)) {
-        throw InputError("--min-height: must be above 0 mm");
+    constexpr float kDeepest = 65535.0F;  // mm, of a depth image
+    if (options.minHeight && !(*options.minHeight > 0.0F && *options.minHeight <= kDeepest)) {
+        throw InputError("--min-height: must be above 0 mm and at most 65535 mm");
     }
     if (options.sideBand && *options.sideBand < 0) {
         throw InputError("--side-band: must be 0 mm or more");
