@@ -2,12 +2,12 @@
 #include "capture_files.h"
 
 #include <charconv>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <system_error>
 
 #include "input_error.h"
+#include "input_file.h"
 
 namespace quorvel::command {
 
@@ -23,11 +23,11 @@ class ValueFile {
 public:
     explicit ValueFile(const fs::path& path) : path_(path.string()) {
         std::error_code ignored;
-        std::ifstream file(path);
-        if (!fs::is_regular_file(path, ignored) || !file) {
-            throw InputError(path_ + ": there is no such readable file; copy the whole capture folder");
+        const std::string advice = "copy the whole capture folder";
+        if (!fs::is_regular_file(path, ignored)) {
+            throw InputError(path_ + ": there is no such readable file; " + advice);
         }
-        text_ << file.rdbuf();
+        text_.str(readInputFile(path_, kLargestText, advice));
     }
 
     /// \param name of the value, for the message

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "frame_reader.h"
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <vector>
 
 #include <opencv2/imgcodecs.hpp>
 
 #include "depth_unit.h"
 #include "input_error.h"
+#include "input_file.h"
+#include "jpeg_check.h"
+#include "muted_errors.h"
 #include "png_check.h"
 #include "text_format.h"
 
@@ -23,28 +23,39 @@ constexpr double kNearestSensibleDepth = 30.0;
 const char* const kDepthFiles = "a 16-bit PNG or TIFF file";
 
 std::vector<unsigned char> readBytes(const std::string& path) {
-    if (std::filesystem::is_directory(path)) {
-        throw InputError(path + ": is a folder; name the picture file in it");
-    }
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        throw InputError(path + ": there is no such readable file; check the path");
-    }
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    const std::string bytes = readInputFile(path, kLargestPicture, "name a picture file");
+    return {bytes.begin(), bytes.end()};
 }
 
-cv::Mat decode(const std::string& path, int flags, const std::string& wanted) {
-    const std::vector<unsigned char> bytes = readBytes(path);
+void requireWhole(const std::vector<unsigned char>& bytes, const std::string& path) {
     const std::string damage = pngDamage(bytes);
     if (!damage.empty()) {
         throw InputError(path + ": the PNG is damaged: " + damage + "; copy or record it again");
     }
-    cv::Mat image;
-    if (!bytes.empty()) {
-        image = cv::imdecode(bytes, flags);
+    if (jpegEndsEarly(bytes)) {
+        throw InputError(path + ": the JPEG is damaged: the file ends early; copy or record it again");
     }
+}
+
+cv::Mat decoded(const std::vector<unsigned char>& bytes, int flags) {
+    if (bytes.empty()) {
+        return {};
+    }
+    const MutedErrors muted;
+    try {
+        return cv::imdecode(bytes, flags);
+    } catch (const cv::Exception&) {
+        return {};  // such as a size that no picture has
+    }
+}
+
+cv::Mat decode(const std::string& path, int flags, const std::string& wanted) {
+    const std::vector<unsigned char> bytes = readBytes(path);
+    requireWhole(bytes, path);
+    cv::Mat image = decoded(bytes, flags);
     if (image.empty()) {
-        throw InputError(path + ": cannot be read as a picture; give " + wanted);
+        throw InputError(path + (bytes.empty() ? ": is empty and" : ":") + " cannot be read as a picture; give " +
+                         wanted);
     }
     return image;
 }

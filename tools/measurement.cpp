@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "calibration.h"
+#include "input_file.h"
 #include "plane_basis.h"
 #include "stopwatch.h"
 #include "stream_redirect.h"
@@ -70,6 +71,7 @@ Quorvel makeRuler(const Camera& camera) {
 
 void selectMode(Quorvel& ruler, const MeasurementSettings& settings) {
     const LibraryOutputToStderr redirected;
+    requireOrdinaryFile(ruler.calFilePath);
     ruler.setDebugMode(settings.debug);
     if (settings.mode == GROUND_GROWING) {
         const cv::Rect ownDefault = ruler.effectiveRegion;

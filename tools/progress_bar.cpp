@@ -2,7 +2,6 @@
 #include "progress_bar.h"
 
 #include <cstdio>
-#include <iostream>
 
 #ifdef _WIN32
 #include <io.h>
@@ -10,6 +9,7 @@
 #include <unistd.h>
 #endif
 
+#include "muted_errors.h"
 #include "text_format.h"
 
 namespace quorvel::command {
@@ -39,7 +39,7 @@ ProgressBar::ProgressBar(std::size_t total) : total_(total), visible_(standardEr
 
 void ProgressBar::hide() {
     if (shown_ > 0) {
-        std::cerr << '\r' << std::string(shown_, ' ') << '\r' << std::flush;
+        printPastMuting('\r' + std::string(shown_, ' ') + '\r');
         shown_ = 0;
     }
 }
@@ -52,7 +52,7 @@ void ProgressBar::show(std::size_t done) {
     const std::chrono::duration<double> elapsed = Clock::now() - start_;
     const std::string text = progressText(done, total_, elapsed.count(), kBarWidth);
     hide();
-    std::cerr << text << std::flush;
+    printPastMuting(text);
     shown_ = text.size();
 }
 

@@ -9,6 +9,8 @@
 #include <quorvel/quorvel.h>
 
 #include "input_error.h"
+#include "input_file.h"
+#include "nesting.h"
 #include "text_format.h"
 
 namespace quorvel::command {
@@ -66,8 +68,13 @@ RulerParams readRulerParams(const std::string& path) {
     RulerParams params;
     Quorvel ruler = unusedRuler();
     std::error_code ignored;
-    if (std::filesystem::is_regular_file(path, ignored) && std::filesystem::is_empty(path, ignored)) {
-        refuse(path, "is empty");
+    requireOrdinaryFile(path);
+    if (std::filesystem::is_regular_file(path, ignored)) {
+        const std::string text = readInputFile(path, kLargestText, "check the path");
+        if (text.empty()) {
+            refuse(path, "is empty");
+        }
+        requireShallow(text, path);
     }
     try {
         if (!ruler.loadRulerParam(path, params.calibrationArea, params.detectArea)) {
