@@ -89,8 +89,9 @@ CalibrationOutcome calibrate(Quorvel& ruler, const FramePair& empty, const Calib
     const Plane fitted{outcome.plane.normal, outcome.plane.offset - static_cast<float>(settings.offset)};
     if (!isUsable(fitted) || !isUsable(outcome.plane)) {
         outcome.problem = fitProblem(static_cast<ProductType>(ruler.productType), outcome) + " " + files.restore();
-    } else if (!files.hold(outcome.plane)) {
-        throw InputError(outcome.planeFile + ": does not hold the new plane; check that the disk is not full");
+    } else if (!files.hold(outcome.plane, ruler.depthImage)) {
+        throw InputError(files.planePath().parent_path().string() +
+                         ": the new plane cannot be stored whole; check the space on the disk. " + files.restore());
     }
     return outcome;
 }

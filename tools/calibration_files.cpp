@@ -3,59 +3,69 @@
 
 #include <cmath>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
+#include "frame_reader.h"
 #include "input_error.h"
+#include "input_file.h"
+#include "output_file.h"
 
 namespace quorvel::command {
 
 namespace {
 
-std::optional<std::string> readBytes(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file || std::filesystem::is_directory(path)) {
+namespace fs = std::filesystem;
+
+std::optional<std::string> readBytes(const fs::path& path) {
+    std::error_code ignored;
+    if (!fs::exists(path, ignored) || fs::is_directory(path, ignored)) {
         return std::nullopt;
     }
-    return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    return readInputFile(path.string(), kLargestPicture, "check its permissions");
 }
 
 /// \return whether the file is again as it was
-bool bringBack(const std::filesystem::path& path, const std::optional<std::string>& bytes) {
+bool bringBack(const fs::path& path, const std::optional<std::string>& bytes) {
     std::error_code ignored;
-    if (!bytes) {
-        std::filesystem::remove(path, ignored);
-        return !std::filesystem::exists(path, ignored);
+    try {
+        if (!bytes) {
+            fs::remove(path, ignored);
+            return !fs::exists(path, ignored);
+        }
+        if (readBytes(path) != bytes) {
+            writeOutputFile(path, *bytes);
+        }
+        return true;
+    } catch (const InputError&) {
+        return false;
     }
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file << *bytes;
-    file.close();
-    return static_cast<bool>(file);
+}
+
+/// A full disk leaves a cut picture, or that of an earlier calibration.
+bool holdsPicture(const fs::path& path, const cv::Mat& depth) {
+    try {
+        const cv::Mat stored = readMillimetres(path.string());
+        return stored.size() == depth.size() && cv::norm(stored, depth, cv::NORM_INF) == 0.0;
+    } catch (const InputError&) {
+        return false;
+    }
 }
 
 }  // namespace
 
 CalibrationFiles::CalibrationFiles(const Quorvel& ruler)
-    : plane_(std::filesystem::absolute(ruler.calFilePath).lexically_normal()),
-      depth_(std::filesystem::absolute(ruler.paramDir + "/depth.tif").lexically_normal()),
+    : plane_(fs::absolute(ruler.calFilePath).lexically_normal()),
+      depth_(fs::absolute(ruler.paramDir + "/depth.tif").lexically_normal()),
       planeBytes_(readBytes(plane_)),
       depthBytes_(readBytes(depth_)),
-      folderExisted_(std::filesystem::exists(plane_.parent_path())) {}
+      folderExisted_(fs::exists(plane_.parent_path())) {}
 
 void CalibrationFiles::requireWritable() const {
     std::error_code ignored;
-    std::filesystem::create_directory(plane_.parent_path(), ignored);
-    for (const std::filesystem::path& path : {plane_, depth_}) {
-        const bool existed = std::filesystem::exists(path, ignored);
-        const bool opened = std::ofstream(path, std::ios::binary | std::ios::app).is_open();
-        if (!opened) {
-            throw InputError(path.string() +
-                             ": cannot be written; check the permissions of the folder, or choose "
-                             "another with -C");
-        }
-        if (!existed) {
-            std::filesystem::remove(path, ignored);
-        }
+    fs::create_directory(plane_.parent_path(), ignored);
+    for (const fs::path& path : {plane_, depth_}) {
+        requireOrdinaryFile(path.string());
+        command::requireWritable(path);
     }
 }
 
@@ -64,7 +74,7 @@ std::string CalibrationFiles::restore() const {
     const bool depthBack = bringBack(depth_, depthBytes_);
     if (!folderExisted_) {
         std::error_code ignored;  // somebody else may have put a file there meanwhile
-        std::filesystem::remove(plane_.parent_path(), ignored);
+        fs::remove(plane_.parent_path(), ignored);
     }
     const std::string folder = plane_.parent_path().string();
     if (!planeBack || !depthBack) {
@@ -74,7 +84,7 @@ std::string CalibrationFiles::restore() const {
                        : "No calibration was left in " + folder + ".";
 }
 
-bool CalibrationFiles::hold(const Plane& plane) const {
+bool CalibrationFiles::hold(const Plane& plane, const cv::Mat& depth) const {
     // The file keeps six decimals; large offsets are printed from a float exactly.
     constexpr double kRounding = 1e-6;
     std::ifstream file(plane_);
@@ -84,7 +94,7 @@ bool CalibrationFiles::hold(const Plane& plane) const {
             return false;
         }
     }
-    return std::filesystem::exists(depth_);
+    return holdsPicture(depth_, depth);
 }
 
 }  // namespace quorvel::command

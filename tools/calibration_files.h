@@ -18,8 +18,8 @@ public:
     /// Remembers the calibration file and the depth image of the last calibration, byte for byte.
     explicit CalibrationFiles(const Quorvel& ruler);
 
-    /// Tries to open both files for writing; makes the folder when it is missing.
-    /// \throws InputError when the library could not write them
+    /// Checks that both files can be written and replaced; makes the folder when it is missing.
+    /// \throws InputError when they cannot
     void requireWritable() const;
 
     /// Writes back the remembered files and removes those that were not there, the folder included.
@@ -27,8 +27,9 @@ public:
     std::string restore() const;
 
     /// \param plane what the ruler now holds
-    /// \return whether the calibration file holds the plane and the depth image is there
-    bool hold(const Plane& plane) const;
+    /// \param depth image that it was fitted to, CV_16UC1, mm
+    /// \return whether the files hold both
+    bool hold(const Plane& plane, const cv::Mat& depth) const;
 
     /// \return absolute path of the calibration file
     std::filesystem::path planePath() const { return plane_; }

@@ -1,24 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "camera_file.h"
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 #include "camera_formats.h"
 #include "input_error.h"
+#include "input_file.h"
+#include "nesting.h"
 
 namespace quorvel::command {
 
 namespace {
-
-std::string readText(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file || std::filesystem::is_directory(path)) {
-        throw InputError(path + ": there is no such readable file; give the camera file, or --intrinsics fx,fy,cx,cy");
-    }
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 Camera cameraFromJsonText(const std::string& text, const std::string& path) {
     nlohmann::json document;
@@ -54,20 +44,17 @@ Camera cameraFromText(const std::string& text, const std::string& path) {
 }  // namespace
 
 Camera readCameraFile(const std::string& path) {
-    const Camera camera = cameraFromText(readText(path), path);
+    const std::string text = readInputFile(path, kLargestText, "give the camera file, or --intrinsics fx,fy,cx,cy");
+    requireShallow(text, path);
+    const Camera camera = cameraFromText(text, path);
     requireSensible(camera, path);
     return camera;
 }
 
-void writeCameraFile(const std::string& path, const Camera& camera) {
+std::string cameraFileText(const Camera& camera) {
     const nlohmann::ordered_json document{{"fx", camera.fx}, {"fy", camera.fy},       {"cx", camera.cx},
                                           {"cy", camera.cy}, {"width", camera.width}, {"height", camera.height}};
-    std::ofstream file(path, std::ios::binary);
-    file << document.dump(2) << '\n';
-    file.close();
-    if (!file) {
-        throw InputError(path + ": cannot be written; check the folder and its permissions");
-    }
+    return document.dump(2) + "\n";
 }
 
 }  // namespace quorvel::command

@@ -15,8 +15,7 @@ namespace quorvel::command {
 /// \throws InputError when the file cannot be read, is none of these, lacks a value or has an impossible one
 Camera readCameraFile(const std::string& path);
 
-/// Writes our JSON.
-/// \throws InputError when the file cannot be written
-void writeCameraFile(const std::string& path, const Camera& camera);
+/// \return our JSON, ended by a line break
+std::string cameraFileText(const Camera& camera);
 
 }  // namespace quorvel::command

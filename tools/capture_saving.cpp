@@ -9,6 +9,7 @@
 #include <system_error>
 #include <thread>
 
+#include "capture_files.h"
 #include "input_error.h"
 #include "stream_redirect.h"
 
@@ -60,15 +61,26 @@ fs::path saveOnce(Quorvel& ruler, const Folders& before) {
     return made.empty() ? fs::path() : *made.rbegin();
 }
 
-void requireFiles(const fs::path& folder) {
-    for (const char* name : {"para.txt", "res.txt", "color.png", "depth.tif"}) {
-        std::error_code error;
-        const auto bytes = fs::file_size(folder / name, error);
-        if (error || bytes == 0) {
-            throw InputError((folder / name).generic_string() +
-                             ": was not written; check the space on the disk and the folder's permissions");
-        }
+/// Whether the folder holds all that the ruler was asked to keep; a full disk cuts files or leaves them out.
+bool isWhole(const fs::path& folder, const Quorvel& ruler) {
+    try {
+        const Capture capture = readCapture(folder);
+        return capture.frame && cv::norm(capture.frame->depth, ruler.depthImage, cv::NORM_INF) == 0.0 &&
+               cv::norm(capture.frame->color, ruler.colorImage, cv::NORM_INF) == 0.0 &&
+               capture.recorded.corners.size() == ruler.result.corners.size();
+    } catch (const InputError&) {
+        return false;
     }
+}
+
+void requireWhole(const fs::path& folder, const Quorvel& ruler) {
+    if (isWhole(folder, ruler)) {
+        return;
+    }
+    std::error_code ignored;
+    fs::remove_all(folder, ignored);
+    throw InputError(folder.generic_string() +
+                     ": the capture cannot be written whole and was removed; check the space on the disk");
 }
 
 }  // namespace
@@ -80,7 +92,7 @@ std::string saveCapture(Quorvel& ruler) {
         const Folders before = captureFolders();
         const fs::path folder = saveOnce(ruler, before);
         if (!folder.empty()) {
-            requireFiles(folder);
+            requireWhole(folder, ruler);
             return folder.generic_string();
         }
         if (before.empty()) {

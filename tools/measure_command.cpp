@@ -91,16 +91,18 @@ int measureSingle(const MeasureOptions& options, const MeasureInput& input, doub
     MeasureReport report = measureInput(ruler, input, options);
     report.readMilliseconds = readMilliseconds;
     const FramePair& frame = input.frames.front();
+    OutputFiles outputs;
     if (!options.overlay.empty()) {
-        writePicture(options.overlay, drawOverlay(frame.color, input.camera, report.measurement));
+        addPicture(outputs, options.overlay, drawOverlay(frame.color, input.camera, report.measurement));
     }
     if (!options.stages.empty()) {
-        writeStagePictures(options.stages, frame, input.camera, report.measurement);
+        addStagePictures(outputs, options.stages, frame, input.camera, report.measurement);
     }
     if (options.timing) {
         const bool planeFound = report.measurement.diagnosis.reason != Reason::NoPlane;
         report.timing = timeMeasurement(ruler, input, options, planeFound);
     }
+    outputs.commit();
     std::cout << (options.json ? reportJson(report) : reportTable(report));
     return exitCodeOf(report.measurement);
 }
@@ -132,9 +134,11 @@ int measureBatchOfFrames(const MeasureOptions& options, const MeasureInput& inpu
     addCameraNotes(whole);
     report.files = input.files;
     report.tolerance = batch.tolerance;
+    OutputFiles outputs;
     if (!options.overlay.empty()) {
-        writePicture(options.overlay, drawBatchOverlay(input, report));
+        addPicture(outputs, options.overlay, drawBatchOverlay(input, report));
     }
+    outputs.commit();
     std::cout << (options.json ? batchJson(report) : batchTable(report));
     return exitCodeOf(whole.measurement);
 }

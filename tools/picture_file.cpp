@@ -1,36 +1,60 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "picture_file.h"
 
+#include <string>
 #include <system_error>
+#include <vector>
 
 #include <opencv2/imgcodecs.hpp>
 
 #include "input_error.h"
+#include "muted_errors.h"
+#include "stream_file.h"
 
 namespace quorvel::command {
 
-void makeFolder(const std::filesystem::path& folder) {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The part of the name that chooses the format, such as ".png".
+std::string formatEnding(const fs::path& path) {
+    const std::string name = path.filename().string();
+    if (cv::haveImageWriter(name)) {
+        return name.substr(name.rfind('.'));
+    }
+    if (isStream(path)) {
+        return ".png";
+    }
+    throw InputError(path.string() + ": pictures are not written in this format; end the name in .png");
+}
+
+std::vector<unsigned char> encoded(const cv::Mat& picture, const std::string& ending, const fs::path& path) {
+    std::vector<unsigned char> bytes;
+    const MutedErrors muted;
+    try {
+        if (cv::imencode(ending, picture, bytes)) {
+            return bytes;
+        }
+    } catch (const cv::Exception&) {
+        bytes.clear();  // a format that cannot hold the picture's type is reported like any other failure
+    }
+    throw InputError(path.string() + ": the picture cannot be written in this format; end the name in .png");
+}
+
+}  // namespace
+
+void makeFolder(const fs::path& folder) {
     std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    if (error || !std::filesystem::is_directory(folder)) {
+    fs::create_directories(folder, error);
+    if (error || !fs::is_directory(folder)) {
         throw InputError(folder.string() + ": the folder cannot be made; check the path and its permissions");
     }
 }
 
-void writePicture(const std::filesystem::path& path, const cv::Mat& picture) {
-    const std::string name = path.string();
-    if (!cv::haveImageWriter(name)) {
-        throw InputError(name + ": pictures are not written in this format; end the name in .png");
-    }
-    bool written = false;
-    try {
-        written = cv::imwrite(name, picture);
-    } catch (const cv::Exception&) {
-        written = false;  // a format that cannot hold the picture's type is reported like a full disk
-    }
-    if (!written) {
-        throw InputError(name + ": the picture cannot be written; check the folder and its permissions");
-    }
+void addPicture(OutputFiles& outputs, const fs::path& path, const cv::Mat& picture) {
+    const std::vector<unsigned char> bytes = encoded(picture, formatEnding(path), path);
+    outputs.add(path, {bytes.begin(), bytes.end()});
 }
 
 }  // namespace quorvel::command

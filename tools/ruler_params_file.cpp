@@ -5,11 +5,10 @@
 #include <array>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
-#include <random>
 #include <system_error>
 
 #include "input_error.h"
+#include "output_file.h"
 
 namespace quorvel::command {
 
@@ -43,17 +42,14 @@ void requireFormat(const fs::path& file, const std::string& path) {
     }
 }
 
-/// The file behind the symbolic links, so that replacing it leaves the links alone.
-fs::path fileBehindLinks(const std::string& path) {
+/// The file behind the symbolic links.
+fs::path existingFile(const std::string& path) {
+    fs::path file = fileBehindLinks(path);
     std::error_code error;
-    if (!fs::is_symlink(path, error)) {
-        return path;
-    }
-    fs::path target = fs::canonical(path, error);
-    if (error) {
+    if (fs::is_symlink(path, error) && !fs::exists(file, error)) {
         throw InputError(path + ": is a link that leads to no file; make it lead to one, or remove it");
     }
-    return target;
+    return file;
 }
 
 [[noreturn]] void refuseLoss(const std::string& path, const std::string& what) {
@@ -74,37 +70,6 @@ void requireOnlyParameters(const std::string& path) {
         refuseLoss(path, "a second document");
     }
 }
-
-/// A rename would replace even a file that is protected against writing.
-void requireWritable(const fs::path& file, const std::string& path) {
-    if (!fs::is_regular_file(file)) {
-        throw InputError(path + ": is no regular file; check the path");
-    }
-    const std::fstream probe(file, std::ios::in | std::ios::out | std::ios::binary);
-    if (!probe) {
-        throw InputError(path + ": cannot be written; check its permissions");
-    }
-}
-
-/// A file name beside the file that nobody else uses, of the same format; removed with the object if it is still there.
-class NewFileBeside {
-public:
-    explicit NewFileBeside(const fs::path& file)
-        : path_(file.parent_path() / (".quorvel-" + std::to_string(std::random_device()()) + formatExtension(file))) {}
-    ~NewFileBeside() {
-        std::error_code ignored;
-        fs::remove(path_, ignored);
-    }
-    NewFileBeside(const NewFileBeside&) = delete;
-    NewFileBeside& operator=(const NewFileBeside&) = delete;
-    NewFileBeside(NewFileBeside&&) = delete;
-    NewFileBeside& operator=(NewFileBeside&&) = delete;
-
-    const fs::path& path() const { return path_; }
-
-private:
-    fs::path path_;
-};
 
 /// A full disk does not fail the writing itself.
 bool holds(const fs::path& file, const RulerParams& params) {
@@ -131,30 +96,25 @@ void writeBeside(const fs::path& fresh, const RulerParams& params, const std::st
 }  // namespace
 
 std::optional<RulerParams> readEditableParams(const std::string& path) {
-    const fs::path file = fileBehindLinks(path);
+    const fs::path file = existingFile(path);
     requireFormat(file, path);
     std::error_code error;
     if (!fs::exists(file, error)) {
         return std::nullopt;
     }
-    requireWritable(file, path);
+    if (!fs::is_regular_file(file, error)) {
+        throw InputError(path + ": is no regular file; check the path");
+    }
+    requireWritable(path);
     const RulerParams params = readRulerParams(path);
     requireOnlyParameters(path);
     return params;
 }
 
 void replaceRulerParams(const std::string& path, const RulerParams& params) {
-    const fs::path file = fileBehindLinks(path);
-    const NewFileBeside fresh(file);
+    FileBeside fresh(path, formatExtension(existingFile(path)));
     writeBeside(fresh.path(), params, path);
-    std::error_code error;
-    if (fs::exists(file, error)) {
-        fs::permissions(fresh.path(), fs::status(file).permissions(), error);
-    }
-    fs::rename(fresh.path(), file, error);
-    if (error) {
-        throw InputError(path + ": cannot be replaced (" + error.message() + "); check the folder and its permissions");
-    }
+    fresh.replace();
 }
 
 }  // namespace quorvel::command

@@ -5,16 +5,19 @@
 #include <cctype>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <set>
 #include <stdexcept>
 
 #include "camera_file.h"
 #include "exit_code.h"
 #include "input_error.h"
+#include "input_file.h"
+#include "nesting.h"
+#include "output_file.h"
 #include "picture_file.h"
 #include "sim/presets.h"
 #include "sim/render.h"
@@ -49,6 +52,16 @@ int listPresets() {
     return kSuccess;
 }
 
+sim::Scene readScene(const std::string& path) {
+    const std::string text = readInputFile(path, kLargestText, "check the path");
+    requireShallow(text, path);
+    try {
+        return sim::sceneFromJson(text);
+    } catch (const std::runtime_error& error) {
+        throw InputError("--scene: " + path + ": " + oneLine(error.what()));
+    }
+}
+
 sim::Scene chosenScene(const SimulateOptions& options) {
     if (options.sceneFile.empty() == options.preset.empty()) {
         throw InputError(options.preset.empty()
@@ -56,24 +69,13 @@ sim::Scene chosenScene(const SimulateOptions& options) {
                              : "--scene and --preset both give a scene; keep one of them");
     }
     try {
-        sim::Scene scene = options.preset.empty() ? sim::readScene(options.sceneFile) : sim::preset(options.preset);
+        sim::Scene scene = options.preset.empty() ? readScene(options.sceneFile) : sim::preset(options.preset);
         if (options.seed) {
             scene.seed = *options.seed;
         }
         return scene;
     } catch (const std::invalid_argument& error) {
         throw InputError("--preset: " + oneLine(error.what()));
-    } catch (const std::runtime_error& error) {
-        throw InputError("--scene: " + oneLine(error.what()));
-    }
-}
-
-void writeText(const std::filesystem::path& path, const std::string& text) {
-    std::ofstream file(path, std::ios::binary);
-    file << text;
-    file.close();
-    if (!file) {
-        throw InputError(path.string() + ": cannot be written; check the folder and its permissions");
     }
 }
 
@@ -110,30 +112,28 @@ bool isNumberedPicture(const std::string& name) {
 }
 
 /// A longer batch of an earlier run would leave frames that belong to no scene that is here now.
-void removeNumberedPictures(const std::filesystem::path& folder) {
-    std::vector<std::filesystem::path> old;
+void removeOtherNumberedPictures(OutputFiles& outputs, const std::filesystem::path& folder,
+                                 const std::set<std::filesystem::path>& written) {
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        if (isNumberedPicture(entry.path().filename().string())) {
-            old.push_back(entry.path());
+        if (isNumberedPicture(entry.path().filename().string()) && written.count(entry.path().filename()) == 0) {
+            outputs.removeStale(entry.path());
         }
-    }
-    for (const std::filesystem::path& path : old) {
-        std::error_code ignored;
-        std::filesystem::remove(path, ignored);
     }
 }
 
-/// Writes the numbered frames of a batch.
+/// Adds the numbered frames of a batch.
 /// \return the part of the closing line that names them
-std::string writeFrames(const std::filesystem::path& folder, const sim::Scene& scene, std::uint32_t first,
-                        std::uint32_t count) {
-    removeNumberedPictures(folder);
+std::string addFrames(OutputFiles& outputs, const std::filesystem::path& folder, const sim::Scene& scene,
+                      std::uint32_t first, std::uint32_t count) {
+    std::set<std::filesystem::path> written;
     for (std::uint32_t i = 0; i < count; ++i) {
         const sim::Frame frame = sim::render(scene, first + i);
         const std::string end = frameNumberText(i, count) + ".png";
-        writePicture(folder / ("color_" + end), frame.color);
-        writePicture(folder / ("depth_" + end), frame.depth);
+        addPicture(outputs, folder / ("color_" + end), frame.color);
+        addPicture(outputs, folder / ("depth_" + end), frame.depth);
+        written.insert({"color_" + end, "depth_" + end});
     }
+    removeOtherNumberedPictures(outputs, folder, written);
     return ", and " + std::to_string(count) + (count == 1 ? " frame" : " frames") + " from color_" +
            frameNumberText(0, count) + ".png and depth_" + frameNumberText(0, count) + ".png on";
 }
@@ -151,16 +151,19 @@ int simulate(const SimulateOptions& options) {
     makeFolder(folder);
     const sim::Frame empty = sim::renderEmpty(scene, options.frame ^ kEmptyFrames);
     const sim::Frame occupied = sim::render(scene, options.frame);
-    writePicture(folder / "empty_color.png", empty.color);
-    writePicture(folder / "empty_depth.png", empty.depth);
-    writePicture(folder / "color.png", occupied.color);
-    writePicture(folder / "depth.png", occupied.depth);
+    OutputFiles outputs;
+    addPicture(outputs, folder / "empty_color.png", empty.color);
+    addPicture(outputs, folder / "empty_depth.png", empty.depth);
+    addPicture(outputs, folder / "color.png", occupied.color);
+    addPicture(outputs, folder / "depth.png", occupied.depth);
     const sim::Camera& camera = scene.camera;
-    writeCameraFile((folder / "camera.json").string(),
-                    {camera.fx, camera.fy, camera.cx, camera.cy, camera.width, camera.height});
-    writeText(folder / "scene.json", sim::sceneToJson(scene) + "\n");
-    writeText(folder / "truth.json", truthJson(scene, options.frame));
-    const std::string frames = options.frames ? writeFrames(folder, scene, options.frame, *options.frames) : "";
+    outputs.add(folder / "camera.json",
+                cameraFileText({camera.fx, camera.fy, camera.cx, camera.cy, camera.width, camera.height}));
+    outputs.add(folder / "scene.json", sim::sceneToJson(scene) + "\n");
+    outputs.add(folder / "truth.json", truthJson(scene, options.frame));
+    const std::string frames =
+        options.frames ? addFrames(outputs, folder, scene, options.frame, *options.frames) : std::string();
+    outputs.commit();
     std::cout << "Rendered " << (scene.name.empty() ? "the scene" : scene.name) << " into " << folder.string()
               << ": empty_color.png, empty_depth.png, color.png, depth.png, camera.json, truth.json, scene.json"
               << frames << "\n";

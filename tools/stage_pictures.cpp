@@ -2,7 +2,6 @@
 #include "stage_pictures.h"
 
 #include <array>
-#include <system_error>
 
 #include "overlay.h"
 #include "picture_file.h"
@@ -26,30 +25,30 @@ cv::Mat drawOverlayStage(const FramePair& frame, const Camera& camera, const Mea
 
 }  // namespace
 
-std::vector<std::filesystem::path> writeStagePictures(const std::filesystem::path& folder, const FramePair& frame,
-                                                      const Camera& camera, const Measurement& measurement) {
+void addStagePictures(OutputFiles& outputs, const std::filesystem::path& folder, const FramePair& frame,
+                      const Camera& camera, const Measurement& measurement) {
     makeFolder(folder);
-    for (const char* name : kNames) {
-        std::error_code ignored;
-        std::filesystem::remove(folder / name, ignored);
-    }
-    std::vector<std::filesystem::path> written;
-    const auto write = [&](std::size_t stage, const cv::Mat& picture) {
-        written.push_back(folder / kNames.at(stage - 1));
-        writePicture(written.back(), picture);
+    std::array<bool, kNames.size()> drawn{};
+    const auto add = [&](std::size_t stage, const cv::Mat& picture) {
+        drawn.at(stage - 1) = true;
+        addPicture(outputs, folder / kNames.at(stage - 1), picture);
     };
-    write(1, drawColorStage(frame.color));
-    write(2, drawDepthStage(frame.depth));
+    add(1, drawColorStage(frame.color));
+    add(2, drawDepthStage(frame.depth));
     if (!measurement.facts.smallCloud.empty()) {
-        write(3, drawHeightStage(measurement));
-        write(4, drawCandidateStage(frame.color, measurement));
+        add(3, drawHeightStage(measurement));
+        add(4, drawCandidateStage(frame.color, measurement));
     }
     if (!measurement.surfaceCloud.empty()) {
-        write(5, drawSurfaceStage(frame.color, measurement));
-        write(6, drawFootprintStage(camera, measurement));
+        add(5, drawSurfaceStage(frame.color, measurement));
+        add(6, drawFootprintStage(camera, measurement));
     }
-    write(7, drawOverlayStage(frame, camera, measurement));
-    return written;
+    add(7, drawOverlayStage(frame, camera, measurement));
+    for (std::size_t i = 0; i < kNames.size(); ++i) {
+        if (!drawn.at(i)) {
+            outputs.removeStale(folder / kNames.at(i));
+        }
+    }
 }
 
 }  // namespace quorvel::command

@@ -53,7 +53,7 @@ TEST_F(CameraFile, OwnJson) {
 
 TEST_F(CameraFile, WrittenFileReadsBack) {
     const Camera camera = readAs("camera.json", kOwnJson);
-    writeCameraFile(folder_.file("again.json"), camera);
+    folder_.write("again.json", cameraFileText(camera));
     expectCamera(readCameraFile(folder_.file("again.json")));
 }
 
