@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <iostream>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,7 @@
 #include "param_command.h"
 #include "replay_command.h"
 #include "simulate_command.h"
+#include "standard_streams.h"
 #include "text_format.h"
 
 namespace quorvel::command {
@@ -29,8 +31,16 @@ std::string versionText() {
     return "quorvel " + Quorvel(0.0F, 0.0F, 0.0F, 0.0F, 0, 0, false, "").getVersion();
 }
 
+/// A file full of one long word must not fill the screen; the beginning says what is wrong, the end what to do.
+std::string shortened(const std::string& line) {
+    constexpr std::size_t kBeginning = 1000;
+    constexpr std::size_t kEnd = 300;
+    return line.size() <= kBeginning + kEnd ? line
+                                            : line.substr(0, kBeginning) + " ... " + line.substr(line.size() - kEnd);
+}
+
 int fail(const std::string& message) {
-    std::cerr << "quorvel: " << oneLine(message) << '\n';
+    std::cerr << "quorvel: " << shortened(oneLine(message)) << '\n';
     return kWrongInput;
 }
 
@@ -41,6 +51,16 @@ void changeFolder(const std::vector<std::string>& folders) {
         if (error) {
             throw InputError("-C " + folder + ": there is no such folder; check the path");
         }
+    }
+}
+
+/// An empty value, as of an unset variable in a script, would pass for an option that was left out.
+void refuseEmptyValues(CLI::App& app) {
+    for (CLI::Option* option : app.get_options([](const CLI::Option* o) { return o->get_type_size() > 0; })) {
+        option->check([](const std::string& value) { return value.empty() ? "the value is empty" : std::string(); });
+    }
+    for (CLI::App* subcommand : app.get_subcommands([](const CLI::App*) { return true; })) {
+        refuseEmptyValues(*subcommand);
     }
 }
 
@@ -62,9 +82,21 @@ std::string helpHint(const CLI::App& app) {
     return " (" + name + " --help shows an example)";
 }
 
+int parseAndRun(CLI::App& app, const std::vector<Subcommand>& subcommands, const std::vector<std::string>& folders,
+                int argc, const char* const* argv) {
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& request) {
+        return app.exit(request);  // --help or --version
+    }
+    changeFolder(folders);
+    return runChosen(subcommands);
+}
+
 }  // namespace
 
 int runProgram(int argc, const char* const* argv) {
+    claimStandardStreams();
     // A failed read is explained by our own line; OpenCV's would come on top of it.
     cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT);
     CLI::App app("quorvel: a depth camera that looks down on a flat surface becomes a ruler", "quorvel");
@@ -80,18 +112,19 @@ int runProgram(int argc, const char* const* argv) {
     app.footer(
         "Example:\n"
         "  quorvel simulate --preset parcel --out parcel");
+    refuseEmptyValues(app);
     try {
-        app.parse(argc, argv);
-        changeFolder(folders);
-        return runChosen(subcommands);
-    } catch (const CLI::Success& request) {
-        return app.exit(request);
+        const int code = parseAndRun(app, subcommands, folders, argc, argv);
+        requireWritten(std::cout);
+        return code;
     } catch (const CLI::ParseError& error) {
         return fail(error.what() + helpHint(app));
     } catch (const InputError& error) {
         return fail(error.what());
     } catch (const cv::Exception& error) {
         return fail("an image operation failed: " + error.err);
+    } catch (const std::bad_alloc&) {
+        return fail("there is not enough memory; give smaller pictures, or fewer frames");
     } catch (const std::exception& error) {
         return fail(error.what());
     }

@@ -17,6 +17,7 @@
 #include "replay_output.h"
 #include "replay_pool.h"
 #include "ruler_params.h"
+#include "standard_streams.h"
 #include "stopwatch.h"
 #include "stream_redirect.h"
 #include "text_format.h"
@@ -149,7 +150,8 @@ int replay(const ReplayOptions& options) {
                             [&](const ReplayOutcome& outcome) {
                                 summary.add(outcome);
                                 progress.hide();
-                                silence.output() << replayRow(format, outcome) << std::flush;
+                                silence.output() << replayRow(format, outcome);
+                                requireWritten(silence.output());
                                 progress.show(summary.total());
                             },
                             [&] { return interrupt.signal() != 0; }};
@@ -161,6 +163,7 @@ int replay(const ReplayOptions& options) {
         report << "interrupted after " << summary.total() << " of " << folders.size() << " captures\n";
     }
     report << summaryText(summary, settings.tolerance) << std::flush;
+    requireWritten(silence.output());
     if (summary.changed > 0 && !options.asHost && !isDescribed(options)) {
         std::cerr
             << "note: a capture keeps no mode, area, filter weight or side band; give them as they were in the field "

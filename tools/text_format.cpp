@@ -38,9 +38,10 @@ std::string vectorText(const cv::Vec3f& vector) {
 std::string oneLine(std::string_view text) {
     std::string line;
     for (const char c : text) {
-        const bool blank = std::isspace(static_cast<unsigned char>(c)) != 0;
+        const auto byte = static_cast<unsigned char>(c);
+        const bool blank = std::isspace(byte) != 0;
         if (!blank) {
-            line += c;
+            line += std::iscntrl(byte) != 0 ? '?' : c;
         } else if (!line.empty() && line.back() != ' ') {
             line += ' ';
         }
