@@ -264,12 +264,11 @@ public:
     // Frame intake and measurement
 
     /// Takes one frame in: clones it, derives the small images and both point clouds, and in GROUND_TRACKING
-    /// fits the reference plane anew.
+    /// fits the reference plane anew. Frames are limited to 32768 pixels a side and 2^26 (67108864) in all; a ruler of
+    /// larger frames refuses every one of them before it allocates anything.
     ///
     /// \param color CV_8UC3, H x W
     /// \param depth CV_16UC1, H x W, mm along the optical axis, 0 = no measurement
-    /// Frames are limited to 32768 pixels a side and 2^26 (67108864) in all; a ruler of larger frames refuses every
-    /// one of them before it allocates anything.
     /// \return true when the frame was taken in. false when an image is empty (both clones are kept, the derived
     ///         images stay), or when size, type or `downScale` do not fit (nothing changes). In offline mode the
     ///         arguments are ignored and the stored images are used.
