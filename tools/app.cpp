@@ -56,11 +56,16 @@ void changeFolder(const std::vector<std::string>& folders) {
 
 /// An empty value, as of an unset variable in a script, would pass for an option that was left out.
 void refuseEmptyValues(CLI::App& app) {
-    for (CLI::Option* option : app.get_options([](const CLI::Option* o) { return o->get_type_size() > 0; })) {
-        option->check([](const std::string& value) { return value.empty() ? "the value is empty" : std::string(); });
-    }
-    for (CLI::App* subcommand : app.get_subcommands([](const CLI::App*) { return true; })) {
-        refuseEmptyValues(*subcommand);
+    std::vector<CLI::App*> parsers{&app};
+    while (!parsers.empty()) {
+        CLI::App* const parser = parsers.back();
+        parsers.pop_back();
+        for (CLI::Option* option : parser->get_options([](const CLI::Option* o) { return o->get_type_size() > 0; })) {
+            option->check([](const std::string& value) { return value.empty() ? "the value is empty" : ""; });
+        }
+        for (CLI::App* subcommand : parser->get_subcommands([](const CLI::App*) { return true; })) {
+            parsers.push_back(subcommand);
+        }
     }
 }
 

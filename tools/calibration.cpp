@@ -5,6 +5,7 @@
 
 #include "calibration_files.h"
 #include "input_error.h"
+#include "muted_errors.h"
 #include "stopwatch.h"
 #include "stream_redirect.h"
 #include "text_format.h"
@@ -59,6 +60,15 @@ std::string fitProblem(ProductType mode, const CalibrationOutcome& outcome) {
     return text + "Clear and flatten the surface, or choose another --calibration-area.";
 }
 
+/// Fits the plane and stores it. The picture writers' lines about a full disk are kept from standard error: whether the
+/// files are whole is seen afterwards.
+void fitAndStore(Quorvel& ruler, double offset) {
+    const HeldBackLibraryOutput output;
+    const MutedErrors muted;
+    float distance = 0.0F;
+    ruler.calibRef(distance, static_cast<float>(offset));
+}
+
 }  // namespace
 
 Plane planeOf(const Quorvel& ruler) {
@@ -79,8 +89,7 @@ CalibrationOutcome calibrate(Quorvel& ruler, const FramePair& empty, const Calib
     ruler.refPlaneNormal = {0.0F, 0.0F, 0.0F};
     ruler.refPlaneOffset = 0.0F;
     const Stopwatch watch;
-    float distance = 0.0F;
-    ruler.calibRef(distance, static_cast<float>(settings.offset));
+    fitAndStore(ruler, settings.offset);
     outcome.milliseconds = watch.milliseconds();
 
     outcome.plane = planeOf(ruler);

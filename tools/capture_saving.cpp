@@ -11,6 +11,7 @@
 
 #include "capture_files.h"
 #include "input_error.h"
+#include "muted_errors.h"
 #include "stream_redirect.h"
 
 namespace quorvel::command {
@@ -52,7 +53,8 @@ void awaitNextSecond() {
 /// \return the folder that was made; empty when none was
 fs::path saveOnce(Quorvel& ruler, const Folders& before) {
     {
-        const LibraryOutputToStderr redirected;
+        const HeldBackLibraryOutput output;
+        const MutedErrors muted;
         ruler.saveOfflineData();
     }
     const Folders after = captureFolders();

@@ -62,6 +62,10 @@ void writeBeside(const FileBeside& file, const fs::path& named, const std::strin
 
 }  // namespace
 
+bool isWrittenStraight(const fs::path& path) {
+    return isStream(path) || isStandardOutput(path);
+}
+
 fs::path fileBehindLinks(const fs::path& path) {
     constexpr int kMostLinks = 40;  // as many as the system follows
     fs::path file = path;
@@ -106,7 +110,7 @@ void FileBeside::replace() {
 }
 
 void OutputFiles::add(const fs::path& path, const std::string& bytes) {
-    if (isStream(path) || isStandardOutput(path)) {
+    if (isWrittenStraight(path)) {
         streams_.push_back({path, bytes});
         return;
     }

@@ -16,6 +16,9 @@ namespace quorvel::command {
 /// \throws InputError when the links lead to themselves
 std::filesystem::path fileBehindLinks(const std::filesystem::path& path);
 
+/// \return whether the output goes straight into what is of this name: a pipe, a device, or where standard output goes
+bool isWrittenStraight(const std::filesystem::path& path);
+
 /// A file on its way: a name beside the file it is to replace that nobody else uses. What is under the name is removed
 /// with the object unless it has taken its place.
 class FileBeside {

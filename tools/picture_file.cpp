@@ -9,7 +9,6 @@
 
 #include "input_error.h"
 #include "muted_errors.h"
-#include "stream_file.h"
 
 namespace quorvel::command {
 
@@ -23,7 +22,7 @@ std::string formatEnding(const fs::path& path) {
     if (cv::haveImageWriter(name)) {
         return name.substr(name.rfind('.'));
     }
-    if (isStream(path)) {
+    if (isWrittenStraight(path)) {
         return ".png";
     }
     throw InputError(path.string() + ": pictures are not written in this format; end the name in .png");

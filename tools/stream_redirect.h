@@ -2,6 +2,7 @@
 #pragma once
 
 #include <iostream>
+#include <sstream>
 
 namespace quorvel::command {
 
@@ -17,6 +18,25 @@ public:
     LibraryOutputToStderr& operator=(LibraryOutputToStderr&&) = delete;
 
 private:
+    std::streambuf* original_;
+};
+
+/// Holds back what the library prints with std::cout while it lives, and prints it on standard error at the end: the
+/// library's own lines are kept while standard error is muted for those of others.
+class HeldBackLibraryOutput {
+public:
+    HeldBackLibraryOutput() : original_(std::cout.rdbuf(&held_)) {}
+    ~HeldBackLibraryOutput() {
+        std::cout.rdbuf(original_);
+        std::cerr << held_.str();
+    }
+    HeldBackLibraryOutput(const HeldBackLibraryOutput&) = delete;
+    HeldBackLibraryOutput& operator=(const HeldBackLibraryOutput&) = delete;
+    HeldBackLibraryOutput(HeldBackLibraryOutput&&) = delete;
+    HeldBackLibraryOutput& operator=(HeldBackLibraryOutput&&) = delete;
+
+private:
+    std::stringbuf held_;
     std::streambuf* original_;
 };
 

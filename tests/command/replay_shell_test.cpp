@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // The command among other programs of a Unix shell: pipes, signals, a terminal.
 #include <algorithm>
-#include <cstdlib>
-#include <fstream>
-#include <sys/wait.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "replay_tree.h"
+#include "shell_run.h"
 
 namespace quorvel::command {
 namespace {
@@ -19,26 +17,7 @@ using ::testing::Not;
 
 class ReplayShell : public ReplayTree {
 protected:
-    /// Runs a shell line in the folder with the program as $Q.
-    static CommandRun shell(const std::string& line) {
-        const std::string script = folder_->file("line.sh");
-        std::ofstream(script) << "cd '" << folder_->path().string() << "'\nQ='" << QUORVEL_BINARY << "'\n"
-                              << line << "\n";
-        CommandRun run;
-        run.line = line;
-        const std::string output = folder_->file("line.out");
-        const std::string errors = folder_->file("line.err");
-        const int status =
-            std::system(("bash '" + script + "' > '" + output + "' 2> '" + errors + "' < /dev/null").c_str());
-        run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        run.output = folder_->read("line.out");
-        run.errors = folder_->read("line.err");
-        return run;
-    }
-
-    static bool has(const std::string& program) {
-        return std::system(("command -v " + program + " > /dev/null 2>&1").c_str()) == 0;
-    }
+    static CommandRun shell(const std::string& line) { return runShell(*folder_, line); }
 };
 
 TEST_F(ReplayShell, ReadsAListOfPathsFromStandardInput) {
@@ -62,7 +41,7 @@ TEST_F(ReplayShell, XargsSplitsTheWork) {
 }
 
 TEST_F(ReplayShell, GnuParallelSplitsTheWork) {
-    if (!has("parallel")) {
+    if (!isInstalled("parallel")) {
         GTEST_SKIP() << "GNU parallel is not installed; scripts/setup.sh does it";
     }
     const CommandRun run = shell(
@@ -109,7 +88,7 @@ TEST_F(ReplayShell, InterruptingEndsWithTheSummarySoFar) {
 }
 
 TEST_F(ReplayShell, ShowsProgressOnATerminalOnly) {
-    if (!has("script")) {
+    if (!isInstalled("script")) {
         GTEST_SKIP() << "script(1) makes the terminal for this test and is not installed";
     }
     const CommandRun terminal = shell("script -qec \"$Q replay log --area 0.5 --csv > rows.csv\" /dev/null");
