@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/scene.h"
 
+#include <locale>
 #include <sstream>
 
 namespace quorvel::sim {
@@ -28,6 +29,7 @@ private:
             return;
         }
         std::ostringstream text;
+        text.imbue(std::locale::classic());
         text << member << ": expected a number " << lowWords << low << highWords << high << ", found " << value;
         problem_ = text.str();
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ruler/frame_check.h"
 
-#include <sstream>
+#include <string>
 
 #include "common/frame_size.h"
 
@@ -9,13 +9,17 @@ namespace quorvel::internal {
 
 namespace {
 
+/// \return "640 x 480", whatever a stream of the host would make of large numbers
+std::string sizeText(int width, int height) {
+    return std::to_string(width) + " x " + std::to_string(height);
+}
+
 std::string describe(const cv::Mat& image) {
-    std::ostringstream text;
+    std::string text;
     for (int axis = image.dims - 1; axis >= 0; --axis) {
-        text << image.size[axis] << (axis > 0 ? " x " : " ");
+        text += std::to_string(image.size[axis]) + (axis > 0 ? " x " : " ");
     }
-    text << cv::typeToString(image.type()) << (image.data == nullptr ? " without pixels" : "");
-    return text.str();
+    return text + cv::typeToString(image.type()) + (image.data == nullptr ? " without pixels" : "");
 }
 
 }  // namespace
@@ -25,21 +29,24 @@ bool hasForm(const cv::Mat& image, int rows, int columns, int type) {
 }
 
 std::string frameProblem(const cv::Mat& color, const cv::Mat& depth, int width, int height, int downScale) {
-    std::ostringstream text;
     if (width <= 0 || height <= 0 || downScale <= 0) {
-        text << "Frame refused: the ruler is not configured, its frame size is " << width << " x " << height
-             << " and its down-scale factor " << downScale << ".";
-    } else if (!isFrameSize(width, height)) {
-        text << "Frame refused: a frame of " << width << " x " << height << " is too large, at most "
-             << kLargestFrameSide << " pixels a side and " << kMostFramePixels << " in all are measured.";
-    } else if (width / downScale == 0 || height / downScale == 0) {
-        text << "Frame refused: a frame of " << width << " x " << height << " is too small for the down-scale factor "
-             << downScale << ".";
-    } else if (!hasForm(color, height, width, CV_8UC3) || !hasForm(depth, height, width, CV_16UC1)) {
-        text << "Frame refused: expected colour and depth of " << width << " x " << height
-             << " in CV_8UC3 and CV_16UC1, got colour " << describe(color) << " and depth " << describe(depth) << ".";
+        return "Frame refused: the ruler is not configured, its frame size is " + sizeText(width, height) +
+               " and its down-scale factor " + std::to_string(downScale) + ".";
     }
-    return text.str();
+    if (!isFrameSize(width, height)) {
+        return "Frame refused: a frame of " + sizeText(width, height) + " is too large, at most " +
+               std::to_string(kLargestFrameSide) + " pixels a side and " + std::to_string(kMostFramePixels) +
+               " in all are measured.";
+    }
+    if (width / downScale == 0 || height / downScale == 0) {
+        return "Frame refused: a frame of " + sizeText(width, height) + " is too small for the down-scale factor " +
+               std::to_string(downScale) + ".";
+    }
+    if (!hasForm(color, height, width, CV_8UC3) || !hasForm(depth, height, width, CV_16UC1)) {
+        return "Frame refused: expected colour and depth of " + sizeText(width, height) +
+               " in CV_8UC3 and CV_16UC1, got colour " + describe(color) + " and depth " + describe(depth) + ".";
+    }
+    return {};
 }
 
 }  // namespace quorvel::internal
