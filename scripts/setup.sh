@@ -14,7 +14,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev locales parallel
 )
 if [[ "${1:-}" == "--dev" ]]; then
-  packages+=(clang-format clang-tidy gcovr pngquant time valgrind gnuplot-nox)
+  packages+=(clang-format clang-tidy gcovr pngquant time valgrind cppcheck gnuplot-nox)
 fi
 if [[ "${1:-}" == "--windows" ]]; then
   packages+=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 wine googletest dpkg-dev xz-utils bzip2 zip unzip)

@@ -77,10 +77,10 @@ Json resultJson(const Measurement& measurement, ProductType mode) {
 Json conditionsJson(const MeasureReport& report) {
     const Measurement& m = report.measurement;
     Json areas{{"detection", rectangle(m.detectionArea)}, {"calibration", nullptr}};
-    Json calibrate = nullptr;
+    Json calibrationTime = nullptr;
     if (report.calibration) {
         areas["calibration"] = rectangle(report.calibration->area);
-        calibrate = report.calibration->milliseconds;
+        calibrationTime = report.calibration->milliseconds;
     }
     return {{"plane", planeObject(m.plane)},
             {"camera", cameraObject(report)},
@@ -91,7 +91,7 @@ Json conditionsJson(const MeasureReport& report) {
             {"min_object_pixels", m.minObjectPixels},
             {"timings_ms",
              {{"read", report.readMilliseconds},
-              {"calibrate", calibrate},
+              {"calibrate", calibrationTime},
               {"frame", m.frameMilliseconds},
               {"measure", m.measureMilliseconds}}}};
 }

@@ -6,11 +6,17 @@
 
 namespace quorvel::command {
 
-ScratchFolder::ScratchFolder() {
+namespace {
+
+std::filesystem::path freshPath() {
     std::random_device device;
-    path_ = std::filesystem::temp_directory_path() /
-            ("quorvel-" + std::to_string(device()) + "-" + std::to_string(device()));
+    return std::filesystem::temp_directory_path() /
+           ("quorvel-" + std::to_string(device()) + "-" + std::to_string(device()));
 }
+
+}  // namespace
+
+ScratchFolder::ScratchFolder() : path_(freshPath()) {}
 
 ScratchFolder::~ScratchFolder() {
     std::error_code ignored;

@@ -114,6 +114,7 @@ std::vector<cv::Point> extremePoints(const cv::Mat& cloud, const BitImage& valid
 /// sums are off by less than 2^-22 of the largest value that they can have.
 InnerPolygon polygonOf(const std::vector<cv::Point>& corners) {
     InnerPolygon polygon;
+    // cppcheck-suppress containerOutOfBounds; the sum is begin() for no corners
     if (std::equal(corners.begin() + (corners.empty() ? 0 : 1), corners.end(), corners.begin())) {
         return polygon;  // all of them are one point
     }

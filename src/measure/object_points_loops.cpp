@@ -58,6 +58,7 @@ float projectRow(const float* points, int count, const PlaneFrame& plane, const 
         const Ints v = truncated(dot(e2, foot));
         store(row.u + column, u);
         store(row.v + column, v);
+        // cppcheck-suppress uninitvar; its arrays are filled above
         putBits(row.inside, column, laneBits(isInside(edges, all(polygon.farthest), toFloats(u), toFloats(v))));
     }
     float values[kLanes];

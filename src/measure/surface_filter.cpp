@@ -305,6 +305,7 @@ void keepAccompanied(const BitImage& accepted, const BitImage& candidates, BitIm
 void clearDropped(cv::Mat& cloud, const BitImage& kept) {
     for (int row = 0; row < cloud.rows; ++row) {
         for (int word = 0; word < kept.wordsPerRow(); ++word) {
+            // cppcheck-suppress redundantInitialization; the row's address is no variable
             auto* points = cloud.ptr<cv::Vec3f>(row) + std::ptrdiff_t{word} * kWordBits;
             const int columns = std::min(kWordBits, cloud.cols - word * kWordBits);
             const std::uint64_t bits = kept.row(row)[word];
