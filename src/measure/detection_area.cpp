@@ -51,7 +51,7 @@ cv::Rect insidePicture(const cv::Rect& region, const cv::Size& image) {
 }  // namespace
 
 bool topFaceMeetsRegion(const std::array<cv::Point2f, 4>& topFace, const cv::Rect& region, const cv::Size& image) {
-    if (!isFrameSize(image.width, image.height)) {
+    if (image.width <= 0 || image.height <= 0) {
         return false;
     }
     Polygon polygon = drawnPolygon(topFace);
@@ -59,7 +59,7 @@ bool topFaceMeetsRegion(const std::array<cv::Point2f, 4>& topFace, const cv::Rec
     // where it leaves the picture, at the same edges, and everything else moves by whole pixels.
     const cv::Rect canvas = cv::boundingRect(polygon) & cv::Rect(cv::Point(0, 0), image);
     const cv::Rect wanted = insidePicture(region, image) & canvas;
-    if (wanted.empty()) {
+    if (wanted.empty() || !isFrameSize(canvas.width, canvas.height)) {
         return false;
     }
     for (cv::Point& corner : polygon) {

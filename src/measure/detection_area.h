@@ -16,7 +16,8 @@ namespace quorvel::internal {
 /// take minutes or overflow.
 /// \param topFace image positions of the four corners in order, pixels
 /// \param region the detection area, pixels; the far row and column are excluded, an empty rectangle has no pixel
-/// \param image size of the picture, pixels; no pixel when no frame can have that size, see isFrameSize()
+/// \param image size of the picture, pixels; no pixel when a side is 0 or negative. A host may claim a picture of any
+///        size: no pixel either when the face's part of it is larger than a frame can be, see isFrameSize()
 bool topFaceMeetsRegion(const std::array<cv::Point2f, 4>& topFace, const cv::Rect& region, const cv::Size& image);
 
 }  // namespace quorvel::internal

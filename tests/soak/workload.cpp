@@ -222,7 +222,7 @@ void Workload::pushUnusable(Station& station) {
             expectRefused(ruler.getCameraFrame(color, depth.colRange(1, depth.cols)));
             break;
         case 1:
-            expectRefused(ruler.getCameraFrame(depth, color));
+            expectRefused(ruler.getCameraFrame(depth, depth));
             break;
         case 2:
             expectRefused(ruler.getCameraFrame(color, cv::Mat()));
