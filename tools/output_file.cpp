@@ -26,7 +26,7 @@ std::string freshName(const std::string& ending) {
 }
 
 /// Whether standard output goes to the file of this name: replacing it would cut the rest of the output off.
-bool isStandardOutput(const fs::path& path) {
+bool isStandardOutput([[maybe_unused]] const fs::path& path) {
 #ifdef _WIN32
     return false;
 #else
