@@ -7,10 +7,12 @@
 namespace quorvel::command {
 
 bool isUsable(const Plane& plane) {
-    // The calibration file keeps six decimals, so a unit normal comes back good to about 1e-6.
-    constexpr double kUnitLengthTolerance = 1e-3;
+    // What the library measures from: a normal typed in with two decimals is good to about 1e-2.
+    constexpr double kUnitLengthTolerance = 1e-2;
     const double length = cv::norm(plane.normal);
-    return std::abs(length - 1.0) <= kUnitLengthTolerance && std::isfinite(plane.offset) && plane.offset > 0.0F;
+    const bool hasDirections = plane.normal[0] != 0.0F || plane.normal[1] != 0.0F || plane.normal[2] == 1.0F;
+    return std::abs(length - 1.0) <= kUnitLengthTolerance && std::isfinite(plane.offset) && plane.offset > 0.0F &&
+           hasDirections;
 }
 
 double tiltDegrees(const Plane& plane) {

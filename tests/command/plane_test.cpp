@@ -23,6 +23,10 @@ TEST(Plane, UsableMeansUnitNormalInFrontOfTheCamera) {
     EXPECT_FALSE(isUsable({{0.0F, 0.0F, 1.0F}, 0.0F})) << "plane through the camera";
     EXPECT_FALSE(isUsable({{0.0F, 0.0F, 1.0F}, -5.0F})) << "plane behind the camera";
     EXPECT_FALSE(isUsable({{0.0F, 0.0F, 0.5F}, 1000.0F})) << "half a normal";
+    EXPECT_TRUE(isUsable({{0.0F, 0.01F, 1.005F}, 1000.0F})) << "typed in with few decimals";
+    EXPECT_FALSE(isUsable({{0.0F, 0.6F, 0.78F}, 1000.0F})) << "more than a hundredth off";
+    EXPECT_FALSE(isUsable({{0.0F, 0.0F, -1.0F}, 1000.0F})) << "away from the scene";
+    EXPECT_FALSE(isUsable({{0.0F, 0.0F, 0.999F}, 1000.0F})) << "no direction to turn a footprint by";
     EXPECT_FALSE(isUsable({{kNan, 0.0F, 1.0F}, 1000.0F}));
     EXPECT_FALSE(isUsable({{0.0F, 0.0F, 1.0F}, kNan}));
 }
