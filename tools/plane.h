@@ -12,8 +12,8 @@ struct Plane {
     float offset = 0.0F;
 };
 
-/// \return whether the library measures with the plane: finite, a unit normal, in front of the camera, and with a normal
-///         along the optical axis only if it is exactly (0, 0, 1)
+/// \return whether the library measures with the plane: finite, a unit normal, in front of the camera, and along the
+///         optical axis only if the normal is exactly (0, 0, 1)
 bool isUsable(const Plane& plane);
 
 /// \return angle between the plane's normal and the optical axis, degrees; 0 for a camera looking straight down
