@@ -74,8 +74,8 @@ void DrawPool::addLevel() {
 cv::Point DrawPool::take(std::size_t position) {
     auto toSkip = static_cast<std::int32_t>(position);
     std::size_t index = 0;
-    for (std::size_t level = levels_; level-- > 0;) {
-        std::int32_t* const counts = counts_[level];
+    for (std::size_t level = levels_; level > 0; --level) {
+        std::int32_t* const counts = counts_[level - 1];
         index *= kFanOut;
         for (; toSkip >= counts[index]; ++index) {
             toSkip -= counts[index];

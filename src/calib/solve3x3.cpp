@@ -67,7 +67,8 @@ int solve3x3(std::array<float, 9> a, std::array<float, 3> b, std::array<float, 3
         swapRows(a, b, k, row);
         eliminateBelow(a, b, k);
     }
-    for (std::size_t i = kSize; i-- > 0;) {
+    for (std::size_t row = kSize; row > 0; --row) {
+        const std::size_t i = row - 1;
         float rest = b[i];
         for (std::size_t j = i + 1; j < kSize; ++j) {
             rest -= a[i * kSize + j] * x[j];
