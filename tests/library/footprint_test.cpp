@@ -130,6 +130,14 @@ TEST(Footprint, NeedsFourPoints) {
         8U);
 }
 
+TEST(Footprint, FindsNoBoxAroundPointsTooFarOut) {
+    // Feet thousands of kilometres apart, as a camera that is none makes them: OpenCV's calipers raise an error.
+    const cv::Mat cloud =
+        cloudOf({{0, -2147483648.0F, 900}, {1e7F, -2147483648.0F, 900}, {1e7F, 1e9F, 900}, {0, 2e9F, 900}});
+    EXPECT_TRUE(isEmptyResult(general(cloud, straightCamera())));
+    EXPECT_TRUE(isEmptyResult(withoutMargin(cloud, straightCamera())));
+}
+
 TEST(Footprint, AcceptsFourPointsInOnePlace) {
     const MeasureResult result =
         general(cloudOf({{3, 4, 900}, {3, 4, 900}, {3, 4, 900}, {3, 4, 900}}), straightCamera());

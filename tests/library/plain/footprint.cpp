@@ -97,7 +97,11 @@ MeasureResult measure(const cv::Mat& cloud, const FootprintInput& input, bool ge
         return {};
     }
     std::array<cv::Point2f, 4> rectangle;
-    cv::minAreaRect(points.footprint).points(rectangle.data());
+    try {
+        cv::minAreaRect(points.footprint).points(rectangle.data());
+    } catch (const cv::Exception&) {
+        return {};  // there is no rectangle around points so far out
+    }
     MeasureResult result;
     result.corners = imageCorners(rectangle, basis, points.largest, input);
 
