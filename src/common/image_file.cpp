@@ -12,7 +12,8 @@
 namespace quorvel::internal {
 
 void writeImageFile(const std::string& path, const cv::Mat& image) {
-    if (image.empty()) {
+    // An image of three dimensions has -1 rows: the encoder of TIFF takes gigabytes for them.
+    if (image.empty() || image.dims != 2) {
         return;
     }
     std::vector<uchar> bytes;

@@ -8,7 +8,7 @@
 namespace quorvel::internal {
 
 /// Writes an image in the format that its file's extension names, with OpenCV's default parameters, whole or not at
-/// all. An empty image is not written, and what was there stays.
+/// all. An image that is empty or not of two dimensions is not written, and what was there stays.
 /// \throws cv::Exception when OpenCV has no encoder for the image
 void writeImageFile(const std::string& path, const cv::Mat& image);
 

@@ -157,6 +157,17 @@ TEST(OfflineCapture, WithoutAFrameHoldsTwoFiles) {
     }
 }
 
+TEST(OfflineCapture, LeavesOutImagesThatAreNotOfTwoDimensions) {
+    const WorkingDirectory directory;
+    Quorvel ruler = blockScene(100).ruler();
+    const std::array<int, 3> sizes{2, 3, 4};
+    // A frame whose colour image is empty is refused, but kept.
+    EXPECT_FALSE(ruler.getCameraFrame(cv::Mat(), cv::Mat(3, sizes.data(), CV_64FC4, cv::Scalar::all(1))));
+    const std::string folder = save(ruler);
+    EXPECT_FALSE(fs::exists(folder + "/depth.tif"));
+    EXPECT_TRUE(fs::exists(folder + "/res.txt"));
+}
+
 TEST(OfflineCapture, KeepsEveryPixel) {
     Draws draws(3);
     for (const cv::Size size : {cv::Size(64, 48), cv::Size(1, 1), cv::Size(333, 7), cv::Size(640, 480)}) {
