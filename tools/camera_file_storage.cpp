@@ -1,4 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
 #include "camera_formats.h"
 #include "input_error.h"
 #include "text_format.h"
@@ -16,6 +20,32 @@ int size(const cv::FileStorage& storage, const std::string& key, const std::stri
     return static_cast<int>(node);
 }
 
+bool endsWith(const std::string& text, std::string_view end) {
+    const std::size_t size = text.find_last_not_of(" \t\r\n") + 1;
+    return size >= end.size() && text.compare(size - end.size(), end.size(), end) == 0;
+}
+
+/// \return whether something follows the end of the first YAML document
+bool goesOn(const std::string& text) {
+    constexpr std::string_view kEnd = "\n...";
+    std::string lines = text;
+    lines.erase(std::remove_if(lines.begin(), lines.end(), [](char c) { return c == ' ' || c == '\t' || c == '\r'; }),
+                lines.end());
+    const std::size_t end = lines.find(kEnd);
+    return end != std::string::npos && lines.find_first_not_of('\n', end + kEnd.size()) != std::string::npos;
+}
+
+/// OpenCV's parsers trust a text to be whole and of one piece: in XML that ends within a tag or holds a zero byte they
+/// follow a null pointer, and they never get past a list behind the end of a YAML document.
+void requireWhole(const std::string& text, const std::string& path) {
+    if (text.find('\0') != std::string::npos || (text.front() == '<' && !endsWith(text, "</opencv_storage>"))) {
+        throw InputError(path + ": is no valid calibration file (it ends too early); export it again");
+    }
+    if (goesOn(text)) {
+        throw InputError(path + ": is no valid calibration file (it goes on behind its end); export it again");
+    }
+}
+
 cv::Matx33d cameraMatrix(const cv::FileStorage& storage, const std::string& path) {
     cv::Mat matrix;
     storage["camera_matrix"] >> matrix;
@@ -30,6 +60,7 @@ cv::Matx33d cameraMatrix(const cv::FileStorage& storage, const std::string& path
 }  // namespace
 
 Camera cameraFromFileStorage(const std::string& text, const std::string& path) {
+    requireWhole(text, path);
     try {
         const cv::FileStorage storage(text, cv::FileStorage::READ | cv::FileStorage::MEMORY);
         const cv::Matx33d matrix = cameraMatrix(storage, path);

@@ -39,7 +39,9 @@ void requireArea(const cv::FileStorage& storage, const std::string& key, const s
 
 /// The library reads a missing or malformed value as zero; here it is an error.
 void requireValues(const std::string& path) {
-    const cv::FileStorage storage(path, cv::FileStorage::READ);
+    // From memory, as the library has just read it: OpenCV reads some texts otherwise from a file, or without end.
+    const cv::FileStorage storage(readInputFile(path, kLargestText, "check the path"),
+                                  cv::FileStorage::READ | cv::FileStorage::MEMORY);
     requireArea(storage, "Calibration_Area", path);
     requireArea(storage, "Detect_Area", path);
     if (!isNumber(storage["Ground_Weight"])) {

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "input_error.h"
+#include "input_file.h"
 #include "output_file.h"
 
 namespace quorvel::command {
@@ -59,7 +60,9 @@ fs::path existingFile(const std::string& path) {
 }
 
 void requireOnlyParameters(const std::string& path) {
-    const cv::FileStorage storage(path, cv::FileStorage::READ);
+    // From memory, as the library has just read it: OpenCV reads some texts otherwise from a file, or without end.
+    const cv::FileStorage storage(readInputFile(path, kLargestText, "check the path"),
+                                  cv::FileStorage::READ | cv::FileStorage::MEMORY);
     constexpr std::array<const char*, 3> kKeys{"Calibration_Area", "Detect_Area", "Ground_Weight"};
     for (const std::string& key : storage.root().keys()) {
         if (std::find(kKeys.begin(), kKeys.end(), key) == kKeys.end()) {

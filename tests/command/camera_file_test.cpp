@@ -122,6 +122,8 @@ TEST_F(CameraFile, WrongFilesAreRefusedWithTheReason) {
         {"%YAML:1.0\n---\nimage_width: 640\n", "has no 3 x 3 \"camera_matrix\""},
         {"%YAML:1.0\n---\n  : [ {\n", "is no valid calibration file"},
         {"<?xml version=\"1.0\"?>\n<opencv_storage><image_width>", "is no valid calibration file"},
+        {"<?xml version=", "is no valid calibration file (it ends too early)"},
+        {"%YAML:1.0\n---\nimage_width: 640\n ...\n--\n", "is no valid calibration file (it goes on behind its end)"},
         {"image_width: 640\nimage_height: 480\n", "has no camera matrix"},
         {"image_width: 640\nimage_height: 480\nK: [1, 2, 3]\n", "has 3 numbers instead of 9"},
         {"image_height: 480\nK: [1,0,1,0,1,1,0,0,1]\n", "has no \"image_width\""},
@@ -136,6 +138,11 @@ TEST_F(CameraFile, WrongFilesAreRefusedWithTheReason) {
                                                            << text << "\nexpected " << reason << " in\n"
                                                            << message;
     }
+}
+
+TEST_F(CameraFile, ZeroByteInATagIsRefused) {
+    const std::string text("<?xml version=\0\n<opencv_storage>\n</opencv_storage>\n", 51);
+    EXPECT_NE(complaint(text).find("is no valid calibration file (it ends too early)"), std::string::npos);
 }
 
 TEST_F(CameraFile, MissingFileIsRefused) {

@@ -244,7 +244,8 @@ TEST(ParamSet, DamagedFileIsRefusedAndStays) {
         {start + "Detect_Area: [ 1, 2, 30, 40 ]\n", "\"Ground_Weight\""},
         {start + "Detect_Area: [ 1, 2, 30 ]\nGround_Weight: 1.\n", "\"Detect_Area\""},
         {start + "Detect_Area: [ 1, 2, 30, 4.5 ]\nGround_Weight: 1.\n", "\"Detect_Area\""},
-        {start + "Detect_Area: [ 1, 2, 30, 40\nGround_Weight", "no ruler parameter file"}};
+        {start + "Detect_Area: [ 1, 2, 30, 40\nGround_Weight", "no ruler parameter file"},
+        {"%YAML:1.0\n---e:0\n--e-\n", "\"Calibration_Area\""}};
     for (const auto& [bytes, words] : files) {
         folder.write("line.yml", bytes);
         expectRefusedFile(folder, std::string("param set line.yml") + kAllValues + kSize, words);
