@@ -38,6 +38,21 @@ function(quorvel_target_defaults target)
     target_compile_options(${target} PRIVATE -fsanitize=thread -fno-omit-frame-pointer)
     target_link_options(${target} PRIVATE -fsanitize=thread)
   endif()
+  if(QUORVEL_FUZZ)
+    # The standard library checks its indices; of the integer checks only what the list names is left out.
+    set(checks address,undefined,float-cast-overflow,bounds,integer)
+    # Neither ninja nor a compiler cache looks into the list: a change of it has to show in the command, by its name.
+    set(list "${PROJECT_SOURCE_DIR}/tests/fuzz/ignorelist.txt")
+    set_property(DIRECTORY "${PROJECT_SOURCE_DIR}" APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${list}")
+    file(SHA256 "${list}" hash)
+    set(named_list "${PROJECT_BINARY_DIR}/ignorelist-${hash}.txt")
+    configure_file("${list}" "${named_list}" COPYONLY)
+    target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
+    target_compile_options(${target} PRIVATE
+      -fsanitize=fuzzer-no-link,${checks} -fno-sanitize-recover=all -fno-omit-frame-pointer
+      "-fsanitize-ignorelist=${named_list}")
+    target_link_options(${target} PRIVATE -fsanitize=${checks})
+  endif()
   if(QUORVEL_COVERAGE)
     target_compile_options(${target} PRIVATE --coverage -O0)
     target_link_options(${target} PRIVATE --coverage)

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Installs what building and testing need and the machine lacks. Asks nothing; does nothing when all is there.
 #   scripts/setup.sh          to build, run the demo and the tests
-#   scripts/setup.sh --dev    also what the checks and the documents need: formatter, linter, coverage,
+#   scripts/setup.sh --dev    also what the checks and the documents need: formatter, linter, coverage, fuzzing,
 #                             instruction counts and plots
 #   scripts/setup.sh --windows    also what the build for Windows needs: cross compiler, Wine, tools for source packages
 set -euo pipefail
@@ -14,7 +14,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev locales parallel
 )
 if [[ "${1:-}" == "--dev" ]]; then
-  packages+=(clang-format clang-tidy gcovr pngquant time valgrind cppcheck gnuplot-nox)
+  packages+=(clang libclang-rt-dev llvm clang-format clang-tidy gcovr pngquant time valgrind cppcheck gnuplot-nox)
 fi
 if [[ "${1:-}" == "--windows" ]]; then
   packages+=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 wine googletest dpkg-dev xz-utils bzip2 zip unzip)
