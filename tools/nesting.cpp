@@ -36,9 +36,10 @@ int deepestTag(const std::string& text) {
     for (std::size_t at = text.find('<'); at != std::string::npos; at = text.find('<', at + 1)) {
         const std::size_t end = std::min(text.find('>', at), text.size() - 1);
         const char next = at + 1 < text.size() ? text[at + 1] : ' ';
+        const bool closesItself = end > at && text[end - 1] == '/';
         if (next == '/') {
             depth = std::max(0, depth - 1);
-        } else if (next != '?' && next != '!' && text[end - 1] != '/') {
+        } else if (next != '?' && next != '!' && !closesItself) {
             deepest = std::max(deepest, ++depth);
         }
     }

@@ -123,6 +123,7 @@ TEST_F(CameraFile, WrongFilesAreRefusedWithTheReason) {
         {"%YAML:1.0\n---\n  : [ {\n", "is no valid calibration file"},
         {"<?xml version=\"1.0\"?>\n<opencv_storage><image_width>", "is no valid calibration file"},
         {"<?xml version=", "is no valid calibration file (it ends too early)"},
+        {"<", "is no valid calibration file (it ends too early)"},
         {"%YAML:1.0\n---\nimage_width: 640\n ...\n--\n", "is no valid calibration file (it goes on behind its end)"},
         {"image_width: 640\nimage_height: 480\n", "has no camera matrix"},
         {"image_width: 640\nimage_height: 480\nK: [1, 2, 3]\n", "has 3 numbers instead of 9"},
