@@ -16,6 +16,8 @@ Camera cameraFromJsonText(const std::string& text, const std::string& path) {
         document = nlohmann::json::parse(text);
     } catch (const nlohmann::json::parse_error& error) {
         throw InputError(path + ": is no valid JSON at byte " + std::to_string(error.byte) + "; correct it there");
+    } catch (const nlohmann::json::out_of_range&) {
+        throw InputError(path + ": holds a number that is too large to be read; give the intrinsics in pixels");
     }
     const auto matrix = document.find("camera_matrix");
     if (matrix != document.end() && matrix->is_object() && matrix->contains("type_id")) {

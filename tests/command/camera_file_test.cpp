@@ -112,6 +112,7 @@ TEST_F(CameraFile, WrongFilesAreRefusedWithTheReason) {
     } cases[] = {
         {"", "is empty"},
         {"{\"fx\": 1,", "no valid JSON at byte"},
+        {R"({"fx":1e999,"fy":1,"cx":1,"cy":1,"width":640,"height":480})", "holds a number that is too large"},
         {R"({"fy":1,"cx":1,"cy":1,"width":640,"height":480})", "has no \"fx\""},
         {R"({"fx":"1","fy":1,"cx":1,"cy":1,"width":640,"height":480})", "\"fx\" is no number"},
         {R"({"fx":1,"fy":1,"cx":1,"cy":1,"width":640.5,"height":480})", "\"width\" is no whole number"},
