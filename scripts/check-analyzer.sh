@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Compiles the library and the simulator with GCC's static analyser; any finding fails. One minute of one core.
+# Compiles the library and the simulator with GCC's static analyser; any finding fails. Two minutes of one core.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -11,9 +11,10 @@ fi
 
 flags=(
   -fanalyzer
-  # The analyser of GCC 12 is made for C. It does not follow std::vector and std::unique_ptr: it takes the pointer of an
-  # empty vector for the one that is read and the owner's pointer for lost, and calls values uninitialised that it names
-  # "<unknown>". Uninitialised values, leaks and null pointers are left to valgrind, the sanitizers and clang's analyser.
+  # The analyser of GCC 12 is made for C. It does not follow std::vector and std::unique_ptr: it takes the pointer of
+  # an empty vector for the one that is read and the owner's pointer for lost, and calls values uninitialised that it
+  # names "<unknown>". Uninitialised values, leaks and null pointers are left to valgrind, the sanitizers and clang's
+  # analyser.
   -Wno-analyzer-use-of-uninitialized-value
   -Wno-analyzer-malloc-leak
   -Wno-analyzer-null-dereference

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Runs a short life of every part of the library under valgrind's memcheck, once with the wide and once with the narrow
-# pixel loops: an invalid access, a decision on an uninitialised value or a lost block fails. Half a minute of one core.
+# Runs a short life of every part of the library under valgrind's memcheck, once with the wide and once with the
+# narrow pixel loops: an invalid access, a decision on an uninitialised value or a lost block fails. One minute of one
+# core.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -14,8 +15,8 @@ check() {
   local log=build/memcheck-$1-$2.log
   echo "memcheck: $2 with the $1 loops"
   # What can still be reached at the end is kept for the next call, by us and by OpenCV.
-  if ! QUORVEL_LOOPS=$1 LOCPATH=$PWD/build/release/tests/locale valgrind --quiet --error-exitcode=1 --leak-check=full \
-    --errors-for-leak-kinds=definite,indirect,possible --show-leak-kinds=definite,indirect,possible \
+  if ! QUORVEL_LOOPS=$1 LOCPATH=$PWD/build/release/tests/locale \
+    valgrind --quiet --error-exitcode=1 --leak-check=full --errors-for-leak-kinds=definite,indirect,possible --show-leak-kinds=definite,indirect,possible \
     --num-callers=30 --suppressions=tests/memcheck.supp \
     "build/release/bin/$2" --gtest_brief=1 --gtest_filter="$3" >"$log" 2>&1; then
     cat "$log" >&2
