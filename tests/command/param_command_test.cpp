@@ -231,7 +231,7 @@ TEST(ParamSet, FileWithMoreInItIsRefused) {
     EXPECT_EQ(folder.read("more.yml"), more);
     const std::string two = "%YAML:1.0\n---\n" + values + "...\n---\nLine: 7\n";
     folder.write("two.yml", two);
-    expectRefusedFile(folder, "param set two.yml --ground-weight 1 --size 640x480", "second document");
+    expectRefusedFile(folder, "param set two.yml --ground-weight 1 --size 640x480", "goes on behind its end");
     EXPECT_EQ(folder.read("two.yml"), two);
 }
 
@@ -245,7 +245,7 @@ TEST(ParamSet, DamagedFileIsRefusedAndStays) {
         {start + "Detect_Area: [ 1, 2, 30 ]\nGround_Weight: 1.\n", "\"Detect_Area\""},
         {start + "Detect_Area: [ 1, 2, 30, 4.5 ]\nGround_Weight: 1.\n", "\"Detect_Area\""},
         {start + "Detect_Area: [ 1, 2, 30, 40\nGround_Weight", "no ruler parameter file"},
-        {"%YAML:1.0\n---e:0\n--e-\n", "\"Calibration_Area\""}};
+        {"%YAML:1.0\n---e:0\n--e-\n", "no ruler parameter file"}};
     for (const auto& [bytes, words] : files) {
         folder.write("line.yml", bytes);
         expectRefusedFile(folder, std::string("param set line.yml") + kAllValues + kSize, words);
