@@ -214,8 +214,7 @@ CLI::App* addSet(CLI::App& param, SetOptions& options) {
     CLI::App* parser = param.add_subcommand("set", "Change values of the file, or make a new one");
     parser
         ->add_option("file", options.file,
-                     "ruler parameter file; the extension .yml, .yaml, .xml or .json, perhaps with .gz behind it, is "
-                     "its format")
+                     "ruler parameter file; the extension .yml, .yaml, .xml or .json is its format")
         ->type_name("FILE")
         ->required();
     parser

@@ -17,21 +17,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The part of the file name that chooses the format, such as ".yml" or ".xml.gz"; empty when it chooses none.
+/// The part of the file name that chooses the format, such as ".yml"; empty when it chooses none.
 std::string formatExtension(const fs::path& path) {
-    fs::path name = path.filename();
-    std::string compression;
-    if (name.extension() == ".gz") {
-        compression = ".gz";
-        name = name.stem();
-    }
-    const std::string extension = name.extension().string();
+    const std::string extension = path.extension().string();
     std::string format = extension;
     std::transform(format.begin(), format.end(), format.begin(),
                    [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
     constexpr std::array<const char*, 4> kFormats{".yml", ".yaml", ".xml", ".json"};
     const bool known = std::find(kFormats.begin(), kFormats.end(), format) != kFormats.end();
-    return known ? extension + compression : std::string();
+    return known ? extension : std::string();
 }
 
 /// Other names would be written as XML or YAML whatever they promise.
@@ -39,7 +33,7 @@ void requireFormat(const fs::path& file, const std::string& path) {
     if (formatExtension(file).empty()) {
         throw InputError(path +
                          ": the extension chooses the format, and this one chooses none; name the file .yml, .yaml, "
-                         ".xml or .json, or one of these with .gz behind it");
+                         ".xml or .json");
     }
 }
 

@@ -119,9 +119,7 @@ TEST_P(ParamFormat, LibraryReadsWhatIsSetAndAnEditKeepsTheRestAndTheFormat) {
 
 INSTANTIATE_TEST_SUITE_P(All, ParamFormat,
                          ::testing::Values(Format{"a.yml", "%YAML"}, Format{"a.yaml", "%YAML"},
-                                           Format{"a.YML", "%YAML"}, Format{"a.xml", "<?xml"}, Format{"a.json", "{"},
-                                           Format{"a.yml.gz", "\x1f\x8b"}, Format{"a.yaml.gz", "\x1f\x8b"},
-                                           Format{"a.xml.gz", "\x1f\x8b"}, Format{"a.json.gz", "\x1f\x8b"}),
+                                           Format{"a.YML", "%YAML"}, Format{"a.xml", "<?xml"}, Format{"a.json", "{"}),
                          [](const auto& instance) {
                              std::string name;
                              for (const char letter : std::string(instance.param.file)) {
@@ -214,7 +212,7 @@ TEST(ParamSet, NewFileNeedsAllValuesAndAFolder) {
 
 TEST(ParamSet, OtherExtensionsAreRefused) {
     const TemporaryFolder folder;
-    for (const char* name : {"line", "line.txt", "line.yml.bak", "line.gz"}) {
+    for (const char* name : {"line", "line.txt", "line.yml.bak", "line.yml.gz"}) {
         expectRefusedFile(folder, std::string("param set ") + name + kAllValues + kSize,
                           std::string(name) + ": the extension chooses the format");
     }
