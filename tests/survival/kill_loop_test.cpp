@@ -138,6 +138,7 @@ TEST(KillLoop, EveryFileOfACaptureIsWholeOrMissing) {
     }
     const std::vector<std::string> files{"color.png", "depth.tif", "para.txt", "res.txt"};
     ASSERT_EQ(namesIn(modelFolder), files);
+    fs::create_directory("captures");
     int missing = 0;
     int whole = 0;
     killOften([&] { captureForever(ruler, here.path() / "captures"); },
