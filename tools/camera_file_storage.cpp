@@ -46,9 +46,22 @@ void requireWhole(const std::string& text, const std::string& path) {
     }
 }
 
-cv::Matx33d cameraMatrix(const cv::FileStorage& storage, const std::string& path) {
+/// \return the matrix; empty when there is none, or when it claims more numbers than follow: OpenCV would take the
+///         memory for all of them
+cv::Mat readMatrix(const cv::FileStorage& storage, const std::string& key) {
+    const cv::FileNode node = storage[key];
     cv::Mat matrix;
-    storage["camera_matrix"] >> matrix;
+    if (node.isMap() && node["rows"].isInt() && node["cols"].isInt()) {
+        const double claimed = static_cast<double>(static_cast<int>(node["rows"])) * static_cast<int>(node["cols"]);
+        if (claimed > 0.0 && claimed <= static_cast<double>(node["data"].size())) {
+            node >> matrix;
+        }
+    }
+    return matrix;
+}
+
+cv::Matx33d cameraMatrix(const cv::FileStorage& storage, const std::string& path) {
+    cv::Mat matrix = readMatrix(storage, "camera_matrix");
     if (matrix.rows != 3 || matrix.cols != 3 || matrix.channels() != 1) {
         throw InputError(path + ": has no 3 x 3 \"camera_matrix\"; a calibration file gives it with image_width and " +
                          "image_height");
@@ -64,8 +77,7 @@ Camera cameraFromFileStorage(const std::string& text, const std::string& path) {
     try {
         const cv::FileStorage storage(text, cv::FileStorage::READ | cv::FileStorage::MEMORY);
         const cv::Matx33d matrix = cameraMatrix(storage, path);
-        cv::Mat distortion;
-        storage["distortion_coefficients"] >> distortion;
+        const cv::Mat distortion = readMatrix(storage, "distortion_coefficients");
         Camera camera;
         camera.fx = matrix(0, 0);
         camera.fy = matrix(1, 1);

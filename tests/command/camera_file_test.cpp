@@ -121,6 +121,8 @@ TEST_F(CameraFile, WrongFilesAreRefusedWithTheReason) {
         {R"({"fx":1,"fy":-1,"cx":1,"cy":1,"width":640,"height":480})", "the focal lengths are"},
         {R"({"fx":1,"fy":1,"cx":1,"cy":1,"width":8,"height":480})", "the picture size is 8 x 480"},
         {"%YAML:1.0\n---\nimage_width: 640\n", "has no 3 x 3 \"camera_matrix\""},
+        {"%YAML:1.0\n---\ncamera_matrix: !!opencv-matrix\n   rows: 30000\n   cols: 30000\n   dt: d\n   data: [ 1. ]\n",
+         "has no 3 x 3 \"camera_matrix\""},
         {"%YAML:1.0\n---\n  : [ {\n", "is no valid calibration file"},
         {"<?xml version=\"1.0\"?>\n<opencv_storage><image_width>", "is no valid calibration file"},
         {"<?xml version=", "is no valid calibration file (it ends too early)"},
