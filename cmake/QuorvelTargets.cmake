@@ -25,9 +25,9 @@ function(quorvel_target_defaults target)
   endif()
   if(QUORVEL_SANITIZE)
     # What "undefined" leaves out and is wrong in this code: a float that its integer cannot hold, an index beyond
-    # the last array of a struct. Division of floats by zero stays out: a focal length of 0 gives an infinite reciprocal, by
-    # intent. So do pointer-compare and pointer-subtract: GCC 12 takes the end of an array on the stack for a pointer
-    # into another block.
+    # the last array of a struct. Division of floats by zero stays out: a focal length of 0 gives an infinite
+    # reciprocal, by intent. So do pointer-compare and pointer-subtract: GCC 12 takes the end of an array on the stack
+    # for a pointer into another block.
     set(sanitizers address,undefined,float-cast-overflow,bounds-strict)
     target_compile_options(${target} PRIVATE
       -fsanitize=${sanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer)

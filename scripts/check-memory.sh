@@ -16,7 +16,8 @@ check() {
   echo "memcheck: $2 with the $1 loops"
   # What can still be reached at the end is kept for the next call, by us and by OpenCV.
   if ! QUORVEL_LOOPS=$1 LOCPATH=$PWD/build/release/tests/locale \
-    valgrind --quiet --error-exitcode=1 --leak-check=full --errors-for-leak-kinds=definite,indirect,possible --show-leak-kinds=definite,indirect,possible \
+    valgrind --quiet --error-exitcode=1 --leak-check=full \
+    --errors-for-leak-kinds=definite,indirect,possible --show-leak-kinds=definite,indirect,possible \
     --num-callers=30 --suppressions=tests/memcheck.supp \
     "build/release/bin/$2" --gtest_brief=1 --gtest_filter="$3" >"$log" 2>&1; then
     cat "$log" >&2
