@@ -43,7 +43,8 @@ enum ProductType : std::int32_t {
 };
 
 /// What one measurement found. Read `corners` and `inView` first: without corners nothing was measured, and
-/// with `inView` false the three sizes are 0.
+/// with `inView` false the three sizes are 0 (in GROUND_TRACKING the height of either is lowered all the same, to -1
+/// ... -8).
 struct MeasureResult {
     /// Image positions of the box, full-size pixels: entries 0-3 the ground corners, entries 4-7 the top
     /// corners, corner k of the ground below corner k + 4 of the top. Eight entries, or empty.
