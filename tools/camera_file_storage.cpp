@@ -21,8 +21,8 @@ int size(const cv::FileStorage& storage, const std::string& key, const std::stri
 }
 
 bool endsWith(const std::string& text, std::string_view end) {
-    const std::size_t size = text.find_last_not_of(" \t\r\n") + 1;
-    return size >= end.size() && text.compare(size - end.size(), end.size(), end) == 0;
+    const std::size_t length = text.find_last_not_of(" \t\r\n") + 1;
+    return length >= end.size() && text.compare(length - end.size(), end.size(), end) == 0;
 }
 
 /// \return whether something follows the end of the first YAML document
