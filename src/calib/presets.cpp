@@ -6,6 +6,7 @@
 #include <quorvel/quorvel.h>
 
 #include "calib/calibration_file.h"
+#include "common/platform.h"
 #include "ruler/members.h"
 
 using namespace quorvel::internal;
@@ -78,8 +79,11 @@ void selectKioskLowObject(Quorvel& ruler) {
 
 int Quorvel::setProductType(ProductType type) {
     productType = type;
-    // The background image is opened and closed unread: its place is kept, nothing depends on it.
-    std::ifstream(backgroundPath).close();
+    // The background image is opened and closed unread: its place is kept, nothing depends on it. A pipe of that name
+    // would be waited for without end.
+    if (isPlainFile(backgroundPath)) {
+        std::ifstream(backgroundPath).close();
+    }
     switch (type) {
         case KIOSK:
             selectKiosk(*this);

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Files as the field leaves them: cut off, edited, overwritten, grown, replaced by something that is no file.
 
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
@@ -137,6 +141,19 @@ TEST(HostileCalibrationFile, AFolderOrNothingInItsPlaceIsNoCalibration) {
     EXPECT_FALSE(kioskRuler().calibStatus) << "a device without end";
 #endif
 }
+
+#ifndef _WIN32
+
+TEST(HostileCalibrationFile, PipesWithoutAWriterAreNotWaitedFor) {
+    const WorkingDirectory here;
+    fs::create_directory("param");
+    ASSERT_EQ(mkfifo("param/cal.txt", 0600), 0);
+    ASSERT_EQ(mkfifo("param/bg.bmp", 0600), 0);
+    EXPECT_FALSE(kioskRuler().calibStatus);
+    EXPECT_EQ(kioskRuler().productType, KIOSK);
+}
+
+#endif
 
 /// A stored plane that is none, and what a measurement says of it.
 struct BadPlane {
