@@ -386,8 +386,7 @@ public:
     /// Writes `calibrationRoI`, `effectiveRegion` and `filterWeight` into a ruler parameter file.
     /// \param path its extension chooses the format: .xml, .json, or YAML for .yml, .yaml and any other
     /// \return false when the file cannot be written whole (the old one then stays), when its path holds a question
-    /// mark
-    ///         or ends in ".gz", or names a folder, a device or a pipe
+    ///         mark or ends in ".gz", or names a folder, a device or a pipe
     /// \throws cv::Exception what the file storage of OpenCV raises
     QUORVEL_API bool saveRulerParam(std::string path);
     /// Reads a ruler parameter file into `calibrationRoI`, `effectiveRegion` and `filterWeight`. A region that is

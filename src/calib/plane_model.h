@@ -26,8 +26,7 @@ inline float signedDistance(const cv::Vec3f& point, const cv::Vec3f& normal, flo
 bool hasPlane(const cv::Vec3f& normal);
 
 /// Says why a plane cannot be measured from; a zero normal, which means that there is no plane, included.
-/// \return the reason in words, empty for a usable plane: four numbers, a normal whose length is 1 within a hundredth,
-/// a
+/// \return the reason in words, empty for a usable plane: four numbers, a normal of length 1 within a hundredth, a
 ///         positive offset, and a normal that is either not along the optical axis or exactly (0, 0, 1), since the
 ///         plane has no directions of its own to turn the footprint by otherwise
 std::string planeProblem(const Plane& plane);

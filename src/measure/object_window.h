@@ -5,14 +5,12 @@
 
 namespace quorvel::internal {
 
-/// \return the smallest rectangle around the pixels that are not 0; empty without any. OpenCV 4.6's boundingRect loses
-/// the
-///         last columns of some narrow masks.
+/// Bounds a mask; OpenCV 4.6's boundingRect loses the last columns of some narrow masks.
+/// \return the smallest rectangle around the pixels that are not 0; empty without any
 cv::Rect maskBounds(const cv::Mat& mask);
 
-/// \return a rectangle with a margin of one pixel, as far as the image allows; with an empty rectangle, the image's
-/// first
-///         pixel
+/// \return a rectangle with a margin of one pixel, as far as the image allows; with an empty rectangle, the first
+///         pixel of the image
 cv::Rect withMargin(const cv::Rect& rectangle, const cv::Size& image);
 
 /// Brings the object's mask to full size, clears every point of the cloud that does not lie wholly in it, and tells

@@ -63,8 +63,7 @@ std::string yamlProblem(std::string_view body) {
     return {};
 }
 
-/// \return what follows the header, which ends with "---" or before the first line that is neither directive nor
-/// comment
+/// \return what follows the header, which ends with "---" or before the first line that is no directive and no comment
 std::string_view yamlBody(std::string_view document) {
     while (!document.empty()) {
         std::string_view rest = document;

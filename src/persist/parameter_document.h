@@ -10,8 +10,8 @@ namespace quorvel::internal {
 
 /// Says whether a text could use up the stack: the parsers call themselves once a level and take some 250 bytes for
 /// each. A level takes a bracket, a tag or, in YAML, one column of a line more than the level around it: 1000 of each
-/// keep the parsers below half a megabyte. Parameter files have five levels. \return whether the text has more than
-/// 1000 brackets and tags, or a line of more than 1000 characters
+/// keep the parsers below half a megabyte. Parameter files have five levels.
+/// \return whether the text has more than 1000 brackets and tags, or a line of more than 1000 characters
 bool isTooDeep(const std::string& text);
 
 /// Says what a parser must not be given: a zero byte or the end of the text within an XML tag, where it follows a null

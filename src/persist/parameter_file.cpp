@@ -19,8 +19,7 @@ const char* const kDetectArea = "Detect_Area";
 const char* const kGroundWeight = "Ground_Weight";
 
 /// \return whether OpenCV would take the name for more than a name: what follows a question mark for options, this
-/// ending
-///         for a wish to compress
+///         ending for a wish to compress
 bool hasMeaning(const std::string& path) {
     constexpr std::string_view kCompressed = ".gz";
     const bool compressed = path.size() >= kCompressed.size() &&

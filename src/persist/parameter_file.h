@@ -16,9 +16,8 @@ struct RulerParameters {
 
 /// Writes the parameters as a document of OpenCV's file storage: two regions as sequences of four integers, the weight
 /// as a real number, whole or not at all.
-/// \param path its extension chooses XML, JSON or YAML; names with a question mark or ending in ".gz" mean something
-/// else
-///             to OpenCV and are not written
+/// \param path its extension chooses XML, JSON or YAML; names with a question mark or ending in ".gz" mean more to
+///             OpenCV and are not written
 /// \return whether the file was written; else what was there is untouched
 bool writeRulerParameters(const std::string& path, const RulerParameters& parameters);
 
