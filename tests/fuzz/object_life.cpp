@@ -223,7 +223,7 @@ void requireEmptyResult(const MeasureResult& result, const std::string& when) {
     require(test::isEmptyResult(result), when);
 }
 
-/// \param downScale what the ruler measured with, since the picture's far edges follow from it
+/// \param small size of the small depth image that was measured; the picture's far edges follow from it
 void requireSoundResult(const Quorvel& ruler, const cv::Size& small) {
     const MeasureResult& result = ruler.result;
     require(result.corners.empty() || result.corners.size() == 8, "a box has eight corners or none");
