@@ -122,10 +122,10 @@ std::string linkTarget(const std::string& path) {
         if (length < 0) {
             return target;
         }
-        const std::string next(text.data(), static_cast<std::size_t>(length));
+        const bool fromRoot = length > 0 && text.front() == '/';
         const std::size_t folder = target.rfind('/');
-        const bool sameFolder = next.empty() || next.front() != '/';
-        target = sameFolder && folder != std::string::npos ? target.substr(0, folder + 1) + next : next;
+        target.resize(fromRoot || folder == std::string::npos ? 0 : folder + 1);
+        target.append(text.data(), static_cast<std::size_t>(length));
     }
     return target;
 }
