@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/ordinary_user.h"
 #include "support/working_directory.h"
 
 namespace quorvel::test {
@@ -67,12 +68,12 @@ TEST(WriteWholeFile, LeavesAWriteProtectedFileAlone) {
     const WorkingDirectory here;
     put("a.txt", "old");
     fs::permissions("a.txt", fs::perms::owner_read);
-    if (std::ofstream("a.txt", std::ios::app).is_open()) {
-        GTEST_SKIP() << "this user may write every file";
-    }
-    EXPECT_FALSE(writeWholeFile("a.txt", "new", FileContent::Text));
-    EXPECT_EQ(bytesOf("a.txt"), "old");
-    EXPECT_EQ(namesHere(), 1);
+    asOrdinaryUser([] {
+        ASSERT_FALSE(std::ofstream("a.txt", std::ios::app).is_open());
+        EXPECT_FALSE(writeWholeFile("a.txt", "new", FileContent::Text));
+        EXPECT_EQ(bytesOf("a.txt"), "old");
+        EXPECT_EQ(namesHere(), 1);
+    });
     fs::permissions("a.txt", fs::perms::owner_all);
 }
 
