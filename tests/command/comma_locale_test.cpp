@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <regex>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -23,11 +22,21 @@ public:
     GermanShell& operator=(const GermanShell&) = delete;
 };
 
-/// Two runs never take the same time, alone its form is the same.
-std::string withoutTimes(const std::string& text) {
-    static const std::regex tableTime(R"([0-9]+\.[0-9]+ ms)");
-    static const std::regex jsonTimes(R"re("timings_ms": ?\{[^}]*\})re");
-    return std::regex_replace(std::regex_replace(text, tableTime, "0.0 ms"), jsonTimes, R"("timings_ms": {})");
+/// Two runs never take the same time, alone its form is the same: a number with a point before " ms" in a table, a
+/// group of its own in JSON.
+std::string withoutTimes(std::string text) {
+    const std::string unit = " ms";
+    for (std::size_t end = text.find(unit, 1); end != std::string::npos; end = text.find(unit, end + unit.size())) {
+        const std::size_t start = text.find_last_not_of("0123456789.", end - 1) + 1;
+        text.replace(start, end - start, "0.0");
+        end = start + 3;
+    }
+    const std::size_t group = text.find("\"timings_ms\"");
+    if (group != std::string::npos) {
+        const std::size_t start = text.find('{', group);
+        text.erase(start, text.find('}', start) - start);
+    }
+    return text;
 }
 
 class CommaLocale : public ::testing::Test {
