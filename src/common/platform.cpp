@@ -20,6 +20,16 @@ void removeFile(const std::string& path) {
 
 #ifdef _WIN32
 
+namespace {
+
+/// \return whether the last call failed because somebody has the file open
+bool isHeldByOthers() {
+    const DWORD reason = GetLastError();
+    return reason == ERROR_ACCESS_DENIED || reason == ERROR_SHARING_VIOLATION;
+}
+
+}  // namespace
+
 bool pathExists(const std::string& path) {
     return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
@@ -45,11 +55,24 @@ std::string linkTarget(const std::string& path) {
     return path;
 }
 
-bool flushFile(const std::string& path) {
-    const HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) {
+bool awaitRelease(int tries) {
+    constexpr int kMostTries = 250;
+    constexpr DWORD kPause = 4;  // ms
+    if (tries >= kMostTries) {
         return false;
+    }
+    Sleep(kPause);
+    return true;
+}
+
+bool flushFile(const std::string& path) {
+    HANDLE file = INVALID_HANDLE_VALUE;
+    for (int tries = 0; file == INVALID_HANDLE_VALUE; ++tries) {
+        file = CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                           FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (file == INVALID_HANDLE_VALUE && !(isHeldByOthers() && awaitRelease(tries))) {
+            return false;
+        }
     }
     const bool flushed = FlushFileBuffers(file) != 0;
     CloseHandle(file);
@@ -61,20 +84,13 @@ void copyPermissions(const std::string& /*from*/, const std::string& /*to*/) {
 }
 
 bool moveOver(const std::string& from, const std::string& to) {
-    // A file that somebody reads cannot be replaced there; virus scanners do so for moments.
-    constexpr int kTries = 50;
-    constexpr DWORD kPause = 4;  // ms
-    for (int i = 0; i < kTries; ++i) {
-        if (MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0) {
-            return true;
-        }
-        const DWORD reason = GetLastError();
-        if (reason != ERROR_ACCESS_DENIED && reason != ERROR_SHARING_VIOLATION) {
+    for (int tries = 0; MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0;
+         ++tries) {
+        if (!(isHeldByOthers() && awaitRelease(tries))) {
             return false;
         }
-        Sleep(kPause);
     }
-    return false;
+    return true;
 }
 
 unsigned long processNumber() {
@@ -128,6 +144,10 @@ std::string linkTarget(const std::string& path) {
         target.append(text.data(), static_cast<std::size_t>(length));
     }
     return target;
+}
+
+bool awaitRelease(int /*tries*/) {
+    return false;
 }
 
 bool flushFile(const std::string& path) {

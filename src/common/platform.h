@@ -27,6 +27,12 @@ bool mayReplace(const std::string& path);
 ///         is no link
 std::string linkTarget(const std::string& path);
 
+/// Waits a moment for a file that somebody else has open. Only Windows lets one program keep others from opening or
+/// replacing a file; virus scanners and whoever puts a file in its place do so for moments.
+/// \param tries made so far without success
+/// \return whether to try again: on Windows for a second in all, elsewhere never
+bool awaitRelease(int tries);
+
 /// Waits until a file's content is on the disk, so that a loss of power cannot take it.
 /// \return whether it is
 bool flushFile(const std::string& path);

@@ -16,8 +16,11 @@ std::optional<std::string> readStart(const std::string& path) {
         return std::nullopt;
     }
     std::ifstream file(path);
-    if (!file.is_open()) {
-        return std::nullopt;
+    for (int tries = 0; !file.is_open(); ++tries) {
+        if (!isPlainFile(path) || !awaitRelease(tries)) {
+            return std::nullopt;
+        }
+        file.open(path);
     }
     std::string text(kLongestText + 1, '\0');
     file.read(text.data(), static_cast<std::streamsize>(text.size()));

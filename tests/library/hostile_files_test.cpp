@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,11 @@ const std::string kLine = "0.010000 -0.020000 0.999750 1234.567017\n";
 
 void put(const fs::path& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::string bytesOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 void putCalibration(const std::string& bytes) {
@@ -326,8 +332,7 @@ TEST(HostileCapture, ImagesCutOffOrOfAnotherKindRefuseTheFrame) {
     const WorkingDirectory here;
     putCapture(kParameters);
     for (const std::string name : {"capture/color.png", "capture/depth.tif"}) {
-        std::ifstream file(name, std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+        const std::string bytes = bytesOf(name);
         for (const std::size_t size : {std::size_t{0}, std::size_t{7}, std::size_t{20}, std::size_t{40}}) {
             put(name, bytes.substr(0, size));
             EXPECT_TRUE(offlineRuler().pointCloud.empty()) << name << " of " << size << " bytes";
