@@ -8,8 +8,6 @@
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -22,6 +20,7 @@
 #include "library/depth_scene.h"
 #include "library/same_ruler.h"
 #include "support/captured_output.h"
+#include "support/file_bytes.h"
 #include "support/same_bits.h"
 #include "support/working_directory.h"
 
@@ -32,15 +31,6 @@ namespace {
 namespace fs = std::filesystem;
 
 const std::string kLine = "0.010000 -0.020000 0.999750 1234.567017\n";
-
-void put(const fs::path& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-
-std::string bytesOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 void putCalibration(const std::string& bytes) {
     fs::create_directory("param");

@@ -2,7 +2,6 @@
 // Files and folders that the user may not read or not write.
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -11,6 +10,7 @@
 
 #include "library/depth_scene.h"
 #include "support/captured_output.h"
+#include "support/file_bytes.h"
 #include "support/ordinary_user.h"
 #include "support/working_directory.h"
 
@@ -22,15 +22,6 @@ namespace fs = std::filesystem;
 
 constexpr int kDistance = 1000;  // mm
 const std::string kLine = "0.000000 0.000000 1.000000 1234.000000\n";
-
-void put(const fs::path& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-
-std::string bytesOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 bool mayRead(const fs::path& path) {
     return std::ifstream(path).is_open();

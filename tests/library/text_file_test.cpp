@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "common/platform.h"
+#include "support/file_bytes.h"
 #include "support/ordinary_user.h"
 #include "support/working_directory.h"
 
@@ -25,10 +26,6 @@ using internal::isFolder;
 using internal::kLongestText;
 using internal::readTextFile;
 using internal::readWholeTextFile;
-
-void put(const std::string& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
 
 TEST(IsFolder, TellsFoldersFromFilesAndNothing) {
     const WorkingDirectory here;

@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/file_bytes.h"
 #include "support/ordinary_user.h"
 #include "support/working_directory.h"
 
@@ -23,15 +24,6 @@ namespace fs = std::filesystem;
 
 using internal::FileContent;
 using internal::writeWholeFile;
-
-std::string bytesOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-void put(const fs::path& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
 
 /// \return the number of names in the working directory
 std::ptrdiff_t namesHere() {

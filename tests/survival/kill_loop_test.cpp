@@ -13,6 +13,7 @@
 
 #include <quorvel/quorvel.h>
 
+#include "support/file_bytes.h"
 #include "support/working_directory.h"
 #include "survival/survival_support.h"
 

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,11 +19,6 @@ Quorvel rulerAbove(int distance) {
 
 cv::Mat surfaceAt(int distance) {
     return {kSurvivalHeight, kSurvivalWidth, CV_16UC1, cv::Scalar(distance)};
-}
-
-std::string bytesOf(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 std::vector<std::string> namesIn(const std::filesystem::path& folder) {

@@ -22,9 +22,6 @@ Quorvel rulerAbove(int distance);
 /// \return the depth image of a flat surface, mm
 cv::Mat surfaceAt(int distance);
 
-/// \return a file's bytes; empty when it cannot be opened
-std::string bytesOf(const std::filesystem::path& path);
-
 /// \return the names in a folder, ascending
 std::vector<std::string> namesIn(const std::filesystem::path& folder);
 
