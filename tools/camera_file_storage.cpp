@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <cstddef>
+#include <stdexcept>
 #include <string_view>
 
 #include "camera_formats.h"
@@ -89,6 +90,9 @@ Camera cameraFromFileStorage(const std::string& text, const std::string& path) {
         return camera;
     } catch (const cv::Exception& error) {
         throw InputError(path + ": is no valid calibration file (" + oneLine(error.err) + "); export it again");
+    } catch (const std::logic_error&) {
+        // The parser of YAML takes the text before a colon for a name, also where it has a negative length.
+        throw InputError(path + ": is no valid calibration file (it has a name that is none); export it again");
     }
 }
 

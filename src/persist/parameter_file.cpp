@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,16 @@ bool hasMeaning(const std::string& path) {
     const bool compressed = path.size() >= kCompressed.size() &&
                             path.compare(path.size() - kCompressed.size(), kCompressed.size(), kCompressed.data()) == 0;
     return compressed || path.find('?') != std::string::npos;
+}
+
+/// \throws cv::Exception when the text is no document
+cv::FileStorage openDocument(const std::string& text, const std::string& path) {
+    try {
+        return {text, cv::FileStorage::READ | cv::FileStorage::MEMORY};
+    } catch (const std::logic_error& error) {
+        // The parser of YAML takes the text before a colon for a name, also where it has a negative length.
+        CV_Error(cv::Error::StsParseError, path + " has a name that is none (" + error.what() + ").");
+    }
 }
 
 bool isNumber(const cv::FileNode& node) {
@@ -71,7 +82,7 @@ bool readRulerParameters(const std::string& path, RulerParameters& parameters) {
     if (!problem.empty()) {
         CV_Error(cv::Error::StsParseError, path + " " + problem + ".");
     }
-    const cv::FileStorage storage(*text, cv::FileStorage::READ | cv::FileStorage::MEMORY);
+    const cv::FileStorage storage = openDocument(*text, path);
     if (!storage.isOpened()) {
         return false;
     }

@@ -149,6 +149,11 @@ TEST_F(CameraFile, ZeroByteInATagIsRefused) {
     EXPECT_NE(complaint(text).find("is no valid calibration file (it ends too early)"), std::string::npos);
 }
 
+TEST_F(CameraFile, NameThatIsNoneIsRefused) {
+    const std::string text = "%YAML:1.0\n---\nimage_width: 640\ncamera_matrix:\n   rows: 3\n   ://s: 3\n";
+    EXPECT_NE(complaint(text).find("is no valid calibration file"), std::string::npos);
+}
+
 TEST_F(CameraFile, MissingFileIsRefused) {
     EXPECT_THROW(readCameraFile(folder_.file("nothing.json")), InputError);
     EXPECT_THROW(readCameraFile(folder_.path().string()), InputError);

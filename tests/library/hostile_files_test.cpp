@@ -433,6 +433,12 @@ std::string repeated(const std::string& text, int times) {
     return result;
 }
 
+TEST(HostileParameterFile, AYamlNameThatIsNoneIsAnErrorOfOpenCv) {
+    const WorkingDirectory here;
+    put("ruler.yml", "%YAML:1.0\n---\nCalibration_Area:\n   rows: 3\n   ://s: 3\n");
+    EXPECT_EQ(outcomeOfLoading("ruler.yml"), "raised") << "the parser itself lets std::length_error out";
+}
+
 TEST(HostileParameterFile, NestingThatWouldUseUpTheStackIsNotGivenToAParser) {
     const WorkingDirectory here;
     const std::string yaml = "%YAML:1.0\n---\n";
