@@ -138,7 +138,9 @@ cv::Mat anyCloud(Input& input, const cv::Size& size) {
     const int strewn = input.below(4);
     const float hostile = strewn == 0 ? 0.0F : input.anyReal();
     for (int count = strewn == 0 ? 0 : input.below(256); count > 0; --count) {
-        cloud.at<cv::Vec3f>(noise.below(size.height), noise.below(size.width))[noise.below(3)] = hostile;
+        const int row = noise.below(size.height);
+        const int column = noise.below(size.width);
+        cloud.at<cv::Vec3f>(row, column)[noise.below(3)] = hostile;
     }
     for (int count = input.below(16); count > 0; --count) {
         const int row = input.byte() % size.height;

@@ -23,7 +23,10 @@ public:
     /// \param bound 1 ... 256
     /// \return 0 ... bound - 1
     int below(int bound) { return byte() % bound; }
-    std::uint16_t word() { return static_cast<std::uint16_t>(byte() + 256 * byte()); }
+    std::uint16_t word() {
+        const int low = byte();  // in a statement of its own: compilers order the operands of a sum as they like
+        return static_cast<std::uint16_t>(low + 256 * byte());
+    }
     /// \return low ... high in 2^16 steps
     float real(float low, float high) { return low + (high - low) * (static_cast<float>(word()) / 65535.0F); }
 

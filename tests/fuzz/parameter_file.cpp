@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Any bytes as a ruler parameter file. The first byte chooses the file's name, since OpenCV unpacks what is compressed.
+// Any bytes as a ruler parameter file. The first byte chooses the file's name, which must not matter.
 #include "persist/parameter_file.h"
 
 #include <array>
