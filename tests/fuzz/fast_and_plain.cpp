@@ -419,9 +419,10 @@ cv::Mat anyColours(Input& input, const cv::Size& size) {
     cv::Mat map = input.flag() ? test::plain::computeNormalMap(anyCloud(input, size)) : anyCloud(input, size);
     Noise noise(input.byte());
     for (int count = input.below(256); count > 0; --count) {
-        map.at<cv::Vec3f>(noise.below(size.height), noise.below(size.width)) = {static_cast<float>(noise.below(256)),
-                                                                                static_cast<float>(noise.below(256)),
-                                                                                static_cast<float>(noise.below(256))};
+        const int row = noise.below(size.height);
+        const int column = noise.below(size.width);
+        map.at<cv::Vec3f>(row, column) = {static_cast<float>(noise.below(256)), static_cast<float>(noise.below(256)),
+                                          static_cast<float>(noise.below(256))};
     }
     return map;
 }
@@ -514,7 +515,7 @@ void compareReferenceFits(Input& input) {
     const float minPoints = input.flag() ? input.real(0.0F, 6000.0F) : input.anyReal();
     cv::Mat part = cv::Mat::zeros(size, CV_32FC3);
     const cv::Rect inside =
-        cv::Rect(input.below(80), input.below(80), input.below(80), input.below(80)) & cv::Rect({0, 0}, size);
+        cv::Rect{input.below(80), input.below(80), input.below(80), input.below(80)} & cv::Rect({0, 0}, size);
     if (!inside.empty()) {
         cloud(inside).copyTo(part(inside));
     }
