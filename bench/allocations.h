@@ -3,7 +3,7 @@
 
 namespace quorvel::bench {
 
-/// Blocks above this size, bytes, are counted; smaller ones are the C library's to keep at hand.
+/// Blocks above this size, bytes, are counted. The C library keeps smaller ones for later use.
 constexpr unsigned long kLargeBlock = 64UL * 1024UL;
 
 /// Large blocks that the process has asked for since it started, by malloc, calloc, realloc, posix_memalign,

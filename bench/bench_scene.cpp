@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "sim/render.h"
+#include "support/camera_ruler.h"
 
 namespace quorvel::bench {
 
@@ -27,8 +28,8 @@ SizeKey keyOf(const cv::Size& size) {
     return {size.width, size.height};
 }
 
-/// In the middle, of 80 % of 640 x 480 in all pictures that large: the sampling fit draws from the first 32768 pixels
-/// of an area alone, and of a very large one these would be a few rows.
+/// The area in the middle, 80 % of 640 x 480 in all pictures that are large enough. The sampling fit draws only from
+/// the first 32768 pixels of an area; in a very large area these would be only a few rows.
 cv::Rect calibrationArea(const cv::Size& picture) {
     const cv::Size area(std::min(512, picture.width), std::min(384, picture.height));
     return {cv::Point((picture.width - area.width) / 2, (picture.height - area.height) / 2), area};
@@ -75,7 +76,8 @@ sim::Scene parcelScene(const cv::Size& size) {
     box.height = 200.0;
     box.yawDeg = 12.0;
     scene.boxes = {box};
-    // Follows the distance of neighbouring points, so that every size is measured: noise above it looks like flanks.
+    // The noise is proportional to the distance of neighbouring points. With more noise the points look like flanks,
+    // and nothing is measured.
     scene.effects.axialNoise = 1.0 / scale;
     scene.effects.flyingPixels = 0.3;
     scene.effects.dropout = 0.002;
@@ -90,7 +92,7 @@ Frame emptyFrame(const sim::Scene& scene) {
     sim::Scene empty = scene;
     empty.boxes.clear();
     empty.cylinders.clear();
-    // Far from the occupied frames' indices, so that its noise is that of none of them.
+    // An index far from those of the occupied frames, so that the noise is different.
     constexpr unsigned kEmptyIndex = 0x80000000U;
     return frameOf(empty, kEmptyIndex);
 }
@@ -115,8 +117,7 @@ std::vector<Frame> parcelBatch(const cv::Size& size, std::size_t length) {
 }
 
 Quorvel makeRuler(const sim::Camera& camera, ProductType mode) {
-    Quorvel ruler(static_cast<float>(camera.fx), static_cast<float>(camera.fy), static_cast<float>(camera.cx),
-                  static_cast<float>(camera.cy), camera.width, camera.height, false, "");
+    Quorvel ruler = test::rulerOf(camera);
     cv::Rect region;
     ruler.productType = mode;
     ruler.setCalibrationRoI(0.8F, region);

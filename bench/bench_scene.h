@@ -35,7 +35,7 @@ struct ParcelFrames {
 };
 const ParcelFrames& parcelFrames(const cv::Size& size);
 
-/// Instants of the parcel, each with noise of its own; rendered once.
+/// Frames of the parcel that differ in their noise; rendered once.
 std::vector<Frame> parcelBatch(const cv::Size& size, std::size_t length);
 
 /// A ruler for the scene's camera with the areas set; nothing pushed. Its files go into the working directory.

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "bench_scene.h"
+#include "library/fast_forms.h"
 #include "library/plain/object_component.h"
 #include "measure/object_component.h"
 #include "stage_input.h"
@@ -30,7 +31,7 @@ Works componentWorks() {
     work.point = sizeName(size);
     work.bytes = (2 + 1 + 1) * pixelCounts(size).small;
     work.plain = [] { return component(test::plain::selectObjectComponent); };
-    work.fast = [] { return component(internal::selectObjectComponent); };
+    work.fast = [] { return component(test::fast::selectObjectComponent); };
     return {work};
 }
 

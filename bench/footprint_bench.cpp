@@ -2,10 +2,10 @@
 // From the surface points to the record, and two of its parts: the height quantile and the test of the detection area.
 #include <array>
 #include <memory>
-#include <random>
 #include <vector>
 
 #include "bench_scene.h"
+#include "library/fast_forms.h"
 #include "library/plain/detection_area.h"
 #include "library/plain/footprint.h"
 #include "library/plain/object_points.h"
@@ -13,6 +13,7 @@
 #include "measure/footprint.h"
 #include "measure/object_points.h"
 #include "stage_input.h"
+#include "support/random.h"
 #include "work.h"
 
 namespace quorvel::bench {
@@ -34,18 +35,16 @@ MeasureResult footprintPlain(const MeasureInput& input) {
 }
 
 MeasureResult footprintFast(const MeasureInput& input) {
-    const test::plain::FootprintInput& f = input.footprint;
-    return internal::measureFootprint(input.cutDepth, input.surfaceCloud, f.normal, f.offset, f.cx, f.cy, f.fx, f.fy,
-                                      f.downScale, f.cameraTypeSet, f.cameraType, f.effectiveRegion);
+    return test::fast::measureFootprint(input.surfaceCloud, input.footprint);
 }
 
 constexpr std::size_t kHeights = 50000;  // the top of the parcel has as many
 
 std::vector<float> randomHeights() {
-    std::mt19937 generator(1);
+    test::Draws draws(1);
     std::vector<float> heights(kHeights);
     for (float& height : heights) {
-        height = 150.0F + static_cast<float>(generator() % 10000U) / 1000.0F;
+        height = 150.0F + static_cast<float>(draws.below(10000)) / 1000.0F;
     }
     return heights;
 }

@@ -29,8 +29,10 @@ Run growthPlain() {
 Run growthFast() {
     auto grown = std::make_shared<cv::Mat>();
     const FitInput& input = fitInput();
-    return {[grown, &input] { *grown = input.regionCloud.clone(); },
-            [grown, &input] { internal::growPlaneRegion(input.fullCloud, input.fullMap, kStraight, *grown); },
+    return {[] {},
+            [grown, &input] {
+                *grown = internal::growPlaneRegion(input.fullCloud, input.fullMap, kStraight, input.regionCloud);
+            },
             [grown] { return cv::norm(*grown); }};
 }
 
@@ -49,10 +51,7 @@ float leastSquaresPlain(const FitInput& input) {
 }
 
 float leastSquaresFast(const FitInput& input) {
-    cv::Vec3f normal;
-    float offset = 0.0F;
-    internal::fitPlaneLeastSquares(input.fullCloud, normal, offset, input.minPoints);
-    return offset;
+    return internal::fitPlaneLeastSquares(input.fullCloud, input.minPoints).plane.value_or(internal::Plane()).offset;
 }
 
 }  // namespace

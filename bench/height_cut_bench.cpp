@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "bench_scene.h"
+#include "library/fast_forms.h"
 #include "library/plain/height_cut.h"
 #include "measure/ground_removal.h"
 #include "measure/height_cut.h"
@@ -44,7 +45,7 @@ Works heightCutWorks() {
     work.point = sizeName(size);
     work.bytes = (2 + 12 + 2 + 1) * pixelCounts(size).small;
     work.plain = [] { return heightCut(test::plain::removeGround, test::plain::cutAboveReferencePlane); };
-    work.fast = [] { return heightCut(internal::removeGround, internal::cutAboveReferencePlane); };
+    work.fast = [] { return heightCut(internal::removeGround, test::fast::cutAboveReferencePlane); };
     return {work};
 }
 

@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "bench_scene.h"
+#include "image/back_projection.h"
 #include "library/plain/back_projection.h"
-#include "ruler/back_projection.h"
 #include "stage_input.h"
 #include "work.h"
 
@@ -39,7 +39,9 @@ Works intakeWorks() {
     };
     work.fast = [=] {
         return backProjection([=](const cv::Mat& depth) {
-            return internal::backProject(depth, {cx, cy, invFx, invFy});
+            cv::Mat cloud;
+            internal::backProject(depth, {cx, cy, invFx, invFy}, cloud);
+            return cloud;
         });
     };
     return {work};

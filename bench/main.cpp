@@ -14,7 +14,7 @@ namespace quorvel::bench {
 
 namespace {
 
-/// Processor time of this thread, s: what other programs take of the machine does not count.
+/// Processor time of this thread, s. The time of other programs does not count.
 double threadSeconds() {
     timespec now{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);

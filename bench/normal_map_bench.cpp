@@ -29,9 +29,7 @@ Run dominantNormal(Find find) {
 }
 
 cv::Vec3f dominantNormalFast(const cv::Mat& map) {
-    cv::Vec3f bin;
-    internal::dominantNormalBin(map, bin);
-    return bin;
+    return internal::dominantNormalBin(map);
 }
 
 }  // namespace

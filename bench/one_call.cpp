@@ -24,7 +24,7 @@ void callCounted(const Run& run) {
     CALLGRIND_STOP_INSTRUMENTATION;
 }
 
-/// \return whether there is such a work
+/// \return whether a work of this name exists
 bool callNamed(const std::string& wanted) {
     for (const Work& work : allWorks()) {
         const std::string name = work.name + "/" + work.point + "/";

@@ -28,7 +28,7 @@ constexpr float kTolerance = 20.0F;
     std::_Exit(2);
 }
 
-/// Renders in a child: the renderer's memory must not count.
+/// Renders in a child process, so that the renderer's memory does not count.
 /// \param scene without objects for the empty surface
 Frame frameFromChild(const sim::Scene& scene, unsigned index) {
     const cv::Size size(scene.camera.width, scene.camera.height);

@@ -5,6 +5,7 @@
 
 #include "bench_scene.h"
 #include "calib/ransac_plane.h"
+#include "library/fast_forms.h"
 #include "library/plain/ransac_plane.h"
 #include "stage_input.h"
 #include "work.h"
@@ -36,7 +37,7 @@ void fitPlain(const cv::Mat& cloud, const cv::Mat& map, const cv::Vec3f& bin, cv
 Works ransacWorks() {
     const cv::Size size(640, 480);
     return {{"sampling-fit", sizeName(size), 2 * 12 * pixelCounts(size).full, [] { return samplingFit(fitPlain); },
-             [] { return samplingFit(internal::ransacFitPlane); }}};
+             [] { return samplingFit(test::fast::ransacFitPlane); }}};
 }
 
 }  // namespace quorvel::bench

@@ -10,7 +10,7 @@ count="${1:-1000}"
 folder="${2:-$(mktemp -d)}"
 quorvel="$PWD/build/release/bin/quorvel"
 presets=(parcel small-box flat-box clutter cylinder diagonal)
-# A capture is named by its second: this many rulers capture at a time, each in a folder of its own.
+# A capture is named by its second, so this many rulers capture at the same time, each in its own folder.
 rulers=12
 
 # Makes every `rulers`-th capture, beginning with number $1.

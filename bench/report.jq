@@ -6,7 +6,7 @@ def wanted: {
   "sampling-calibration-no-files": 10, "growing-calibration-no-files": 6, "tracking-frame": 8, "batch-of-four": 10
 };
 
-def road_names: {
+def pipeline_names: {
   "intake": "intake", "measureOnce": "measureOnce", "single-shot": "intake and measureOnce",
   "sampling-calibration": "sampling calibration, 80 % area", "growing-calibration": "growing calibration, 80 % area",
   "sampling-calibration-no-files": "sampling calibration, folder not writable",
@@ -36,7 +36,7 @@ def text($decimals):
     else ($number | split(".")) as $parts
       | $parts[0] + "." + (($parts[1] // "") + "0" * $decimals)[0:$decimals] end;
 
-# Three figures or so.
+# About three significant digits.
 def short: if . >= 100 then text(0) elif . >= 10 then text(1) elif . >= 0.1 then text(2) else text(4) end;
 
 def ratio: (.plain / .fast) | text(if . >= 9.95 then 1 else 2 end);
@@ -52,15 +52,15 @@ def frames_per_second: (if .work == "batch-of-four" then 4 else 1 end) * 1000 / 
 def millions: if . == null then "" else . / 1e6 | short end;
 
 # $instructions: array of {work, point, form, count}
-def road_table($instructions):
+def pipeline_table($instructions):
   pairs as $pairs
   | header(["work", "picture", "plain, ms", "fast, ms", "ratio", "wanted", "frames/s", "MB a call", "GB/s",
       "instructions plain, 10⁶", "instructions fast, 10⁶"]),
-    (("640x480", "1280x720", "1920x1080") as $point | (road_names | keys_unsorted)[] as $work
+    (("640x480", "1280x720", "1920x1080") as $point | (pipeline_names | keys_unsorted)[] as $work
       | $pairs[] | select(.work == $work and .point == $point)
       | def count($form):
           first($instructions[] | select(.work == $work and .point == $point and .form == $form) | .count) // null;
-        [road_names[$work], $point, (.plain | short), (.fast | short), ratio, (wanted[$work] // "" | tostring),
+        [pipeline_names[$work], $point, (.plain | short), (.fast | short), ratio, (wanted[$work] // "" | tostring),
           frames_per_second, (.bytes / 1e6 | text(1)), (.bytes / 1e6 / .fast | text(1)), (count("plain") | millions),
           (count("fast") | millions)] | row);
 

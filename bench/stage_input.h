@@ -7,8 +7,8 @@
 
 namespace quorvel::bench {
 
-/// What each measuring stage gets when the parcel is measured at 640 x 480 in KIOSK mode; made by the plain stages. The
-/// names are those of the state in front of the stage. Not to be written to: clone.
+/// The input of each measuring stage when the parcel is measured at 640 x 480 in KIOSK mode; made by the plain stages.
+/// The images must not be changed: clone them.
 struct MeasureInput {
     cv::Vec3f normal;
     float offset = 0.0F;     ///< mm
@@ -27,7 +27,8 @@ struct MeasureInput {
 /// Made once.
 const MeasureInput& measureInput();
 
-/// What the fits of a calibration of 80 % of the empty picture at 640 x 480 get. Not to be written to: clone.
+/// The input of the fits in a calibration of 80 % of the empty picture at 640 x 480. The images must not be changed:
+/// clone them.
 struct FitInput {
     cv::Mat fullCloud;    ///< CV_32FC3, mm
     cv::Mat regionCloud;  ///< CV_32FC3, (0, 0, 0) outside the calibration region

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-// How the road's cost follows the picture's size, clutter, the object's size, the calibration area and the batch.
+// How the time of the whole measurement depends on the picture's size, clutter, the object's size, the calibration
+// area and the batch.
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <map>
 #include <utility>
 
-#include "road.h"
+#include "pipeline.h"
 
 namespace quorvel::bench {
 
@@ -15,11 +16,11 @@ namespace {
 const cv::Size kSize(640, 480);
 
 Work sweepPoint(const std::string& name, const std::string& point, double bytes,
-                const std::function<Run(const RoadForm&)>& make) {
-    return {name, point, bytes, [make] { return make(plainRoad()); }, [make] { return make(fastRoad()); }};
+                const std::function<Run(const PipelineForm&)>& make) {
+    return {name, point, bytes, [make] { return make(plainPipeline()); }, [make] { return make(fastPipeline()); }};
 }
 
-Run singleShot(const RoadForm& form, const Frame& frame) {
+Run singleShot(const PipelineForm& form, const Frame& frame) {
     const cv::Size size = frame.depth.size();
     return frameRun(form, calibratedRuler(parcelScene(size).camera, KIOSK), frame);
 }
@@ -32,7 +33,7 @@ Works overSizes() {
     Works works;
     for (const cv::Size& size : {cv::Size(320, 240), cv::Size(640, 480), cv::Size(848, 480), cv::Size(1280, 720),
                                  cv::Size(1920, 1080), cv::Size(2560, 1440), cv::Size(3840, 2160)}) {
-        works.push_back(sweepPoint("size", sizeName(size), singleShotBytes(size), [size](const RoadForm& form) {
+        works.push_back(sweepPoint("size", sizeName(size), singleShotBytes(size), [size](const PipelineForm& form) {
             return singleShot(form, parcelFrames(size).occupied);
         }));
     }
@@ -56,8 +57,8 @@ std::vector<cv::Rect> cellsFromTheBorder() {
     return cells;
 }
 
-/// The parcel with blocks of 60 mm around it, each of 2 x 2 small-image pixels and two away from the next: too small
-/// to be an object, but regions that have to be looked at.
+/// The parcel with blocks of 60 mm height around it. Each block has 2 x 2 small-image pixels and is two pixels from the
+/// next: too small for an object, but a region that has to be examined.
 Frame clutteredFrame(int blocks) {
     constexpr ushort kBlockHeight = 60;
     constexpr int kBlockSide = 8;
@@ -76,7 +77,7 @@ Works overRegions() {
     for (const int blocks : {0, 1, 10, 50, 100, 200, 500}) {
         works.push_back(
             sweepPoint("regions", std::to_string(blocks), singleShotBytes(kSize),
-                       [blocks](const RoadForm& form) { return singleShot(form, clutteredFrame(blocks)); }));
+                       [blocks](const PipelineForm& form) { return singleShot(form, clutteredFrame(blocks)); }));
     }
     return works;
 }
@@ -105,7 +106,7 @@ Works overCoverage() {
     for (const int percent : {1, 5, 10, 20, 30, 40, 50, 60, 70, 80, 90}) {
         works.push_back(
             sweepPoint("coverage", std::to_string(percent), singleShotBytes(kSize),
-                       [percent](const RoadForm& form) { return singleShot(form, coveringFrame(percent)); }));
+                       [percent](const PipelineForm& form) { return singleShot(form, coveringFrame(percent)); }));
     }
     return works;
 }
@@ -113,13 +114,13 @@ Works overCoverage() {
 Works overCalibrationArea(const std::string& name, ProductType mode) {
     Works works;
     for (const int percent : {10, 20, 30, 40, 50, 60, 70, 80, 90, 100}) {
-        works.push_back(
-            sweepPoint(name, std::to_string(percent), calibrationBytes(kSize), [percent, mode](const RoadForm& form) {
-                Quorvel ruler = makeRuler(parcelScene(kSize).camera, mode);
-                cv::Rect region;
-                ruler.setCalibrationRoI(static_cast<float>(percent) / 100.0F, region);
-                return calibrationRun(form, ruler, parcelFrames(kSize).empty);
-            }));
+        works.push_back(sweepPoint(name, std::to_string(percent), calibrationBytes(kSize),
+                                   [percent, mode](const PipelineForm& form) {
+                                       Quorvel ruler = makeRuler(parcelScene(kSize).camera, mode);
+                                       cv::Rect region;
+                                       ruler.setCalibrationRoI(static_cast<float>(percent) / 100.0F, region);
+                                       return calibrationRun(form, ruler, parcelFrames(kSize).empty);
+                                   }));
     }
     return works;
 }
@@ -128,7 +129,7 @@ Works overBatchLength() {
     Works works;
     for (const std::size_t frames : {1U, 2U, 4U, 8U, 15U, 30U}) {
         works.push_back(
-            sweepPoint("batch", std::to_string(frames), batchBytes(kSize, frames), [frames](const RoadForm& form) {
+            sweepPoint("batch", std::to_string(frames), batchBytes(kSize, frames), [frames](const PipelineForm& form) {
                 return batchRun(form, calibratedRuler(parcelScene(kSize).camera, KIOSK), parcelBatch(kSize, frames));
             }));
     }

@@ -9,7 +9,7 @@ namespace quorvel::bench {
 Works allWorks() {
     Works all;
     for (Works (*group)() : {intakeWorks, heightCutWorks, componentWorks, surfaceFilterWorks, footprintWorks,
-                             normalMapWorks, ransacWorks, growthWorks, roadWorks, sweepWorks}) {
+                             normalMapWorks, ransacWorks, growthWorks, pipelineWorks, sweepWorks}) {
         Works works = group();
         all.insert(all.end(), std::make_move_iterator(works.begin()), std::make_move_iterator(works.end()));
     }

@@ -9,16 +9,16 @@ namespace quorvel::bench {
 
 /// One form of a work, made ready.
 struct Run {
-    std::function<void()> prepare;    ///< before every call: lays the input anew; not timed
-    std::function<void()> call;       ///< what is timed
+    std::function<void()> prepare;    ///< called before every call: restores the input; not timed
+    std::function<void()> call;       ///< the timed call
     std::function<double()> outcome;  ///< a number that the last call found: equal in both forms, bit for bit
 };
 
-/// Something that is timed, at one size or one point of a sweep, in the literal form and in the library's.
+/// A timed work at one size or one point of a sweep, in the plain form and in the library's form.
 struct Work {
     std::string name;            ///< "measureOnce"; no slash in it
     std::string point;           ///< "640x480", or the sweep's number
-    double bytes = 0.0;          ///< a call's input read once and its output written once
+    double bytes = 0.0;          ///< bytes of a call's input and output, each counted once
     std::function<Run()> plain;  ///< makes the step-by-step form ready
     std::function<Run()> fast;   ///< makes the library's form ready
 };
@@ -36,7 +36,7 @@ Works ransacWorks();
 Works growthWorks();
 
 /// The public operations at 640 x 480, 1280 x 720 and 1920 x 1080.
-Works roadWorks();
+Works pipelineWorks();
 
 /// The public operations over picture sizes, clutter, object size, calibration area and batch length.
 Works sweepWorks();

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Measures every stage and the whole road in the plain and in the fast form, and writes docs/performance.md with its
-# plots; build/bench/ keeps the raw numbers. Takes some minutes; other work on the machine blurs the result.
+# Measures every stage and every public operation in the plain and in the fast form, and writes docs/performance.md
+# with its plots; build/bench/ keeps the raw numbers. Takes some minutes; other work on the machine blurs the result.
 #   scripts/bench.sh            writes the document
 #   scripts/bench.sh --quick    a smoke run of all steps: too few repetitions to be believed; the document goes into
 #                               build/bench/ instead
@@ -20,7 +20,7 @@ if $quick; then
   document=$out/performance.md
   images=$out/images
 fi
-road_sizes=(640x480 1280x720 1920x1080)
+pipeline_sizes=(640x480 1280x720 1920x1080)
 sweep_sizes=(320x240 640x480 848x480 1280x720 1920x1080 2560x1440 3840x2160)
 works=(intake measureOnce single-shot sampling-calibration growing-calibration sampling-calibration-no-files
   growing-calibration-no-files tracking-frame batch-of-four)
@@ -60,12 +60,12 @@ count_instructions() {
 export -f count_instructions
 export bin
 
-time_works road-640x480 '/640x480/' 7 0.05
-time_works road-large '/(1280x720|1920x1080)/' 5 0.02
+time_works pipeline-640x480 '/640x480/' 7 0.05
+time_works pipeline-large '/(1280x720|1920x1080)/' 5 0.02
 time_works sweeps '^(size|regions|coverage|area-[a-z]+|batch)/' 5 0.01
 
 echo "counting instructions"
-counted_sizes=("${road_sizes[@]}")
+counted_sizes=("${pipeline_sizes[@]}")
 if $quick; then
   counted_sizes=(640x480)
 fi
@@ -88,7 +88,7 @@ for size in "${sweep_sizes[@]}"; do
 done | jq --slurp . >"$out/memory.json"
 
 echo "writing $document"
-jq --slurp '[.[].benchmarks[]]' "$out/road-640x480.json" "$out/road-large.json" >"$out/road.json"
+jq --slurp '[.[].benchmarks[]]' "$out/pipeline-640x480.json" "$out/pipeline-large.json" >"$out/pipeline.json"
 jq '.benchmarks' "$out/sweeps.json" >"$out/sweep-rows.json"
 for sweep in size regions coverage area-sampling area-growing batch; do
   jq --raw-output --arg sweep "$sweep" -L bench 'include "report"; plot_data($sweep)' \
@@ -130,16 +130,16 @@ TEXT
   cat docs/performance-notes.md.in
   printf '\n## The machine\n\n'
   machine
-  printf '\n## The road\n\n'
+  printf '\n## The public operations\n\n'
   cat <<'TEXT'
 Bytes are a call's images read once and written once. Instructions are those of one call under callgrind, which has AVX2
 but no AVX-512. A batch's frames a second are those of its four frames.
 
 TEXT
-  report 'road_table($instructions[0])' "$out/road.json"
-  printf '\n## The stages\n\nAt 640 x 480, each alone on a whole picture. On the road the surface filter and the footprint '
+  report 'pipeline_table($instructions[0])' "$out/pipeline.json"
+  printf '\n## The stages\n\nAt 640 x 480, each alone on a whole picture. In measureOnce the surface filter and the footprint '
   printf "see only the object's\nwindow of it.\n\n"
-  report 'stage_table' "$out/road.json"
+  report 'stage_table' "$out/pipeline.json"
   printf '\n## Over the size of the picture\n\nIntake and measurement of one frame, kiosk mode.\n\n'
   printf '![Time of a frame over the picture size](images/performance-size.png)\n\n'
   report 'sweep_table("size"; "picture")' "$out/sweep-rows.json"

@@ -11,10 +11,9 @@ fi
 
 flags=(
   -fanalyzer
-  # The analyser of GCC 12 is made for C. It does not follow std::vector and std::unique_ptr: it takes the pointer of
-  # an empty vector for the one that is read and the owner's pointer for lost, and calls values uninitialised that it
-  # names "<unknown>". Uninitialised values, leaks and null pointers are left to valgrind, the sanitizers and clang's
-  # analyser.
+  # The analyser of GCC 12 is made for C. It does not understand std::vector and std::unique_ptr: it reports reads
+  # through the null pointer of an empty vector, leaks of owned pointers, and uninitialised values named "<unknown>".
+  # Uninitialised values, leaks and null pointers are left to valgrind, the sanitizers and clang's analyser.
   -Wno-analyzer-use-of-uninitialized-value
   -Wno-analyzer-malloc-leak
   -Wno-analyzer-null-dereference

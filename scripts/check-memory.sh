@@ -14,7 +14,7 @@ cmake --build --preset release --target thread_tests library_tests >/dev/null
 check() {
   local log=build/memcheck-$1-$2.log
   echo "memcheck: $2 with the $1 loops"
-  # What can still be reached at the end is kept for the next call, by us and by OpenCV.
+  # Memory that is still reachable at the end is kept for the next call, by the library and by OpenCV.
   if ! QUORVEL_LOOPS=$1 LOCPATH=$PWD/build/release/tests/locale \
     valgrind --quiet --error-exitcode=1 --leak-check=full \
     --errors-for-leak-kinds=definite,indirect,possible --show-leak-kinds=definite,indirect,possible \
@@ -23,7 +23,7 @@ check() {
     cat "$log" >&2
     return 1
   fi
-  # A filter that matches nothing passes as well.
+  # A run without any test passes too, when the filter matches nothing.
   grep -qE 'PASSED +\] [1-9]' "$log"
 }
 

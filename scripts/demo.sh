@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# The whole road on a simulated parcel: set-up, release build, simulate, calibrate, measure, compare with the truth.
+# The whole pipeline on a simulated parcel: set-up, release build, simulate, calibrate, measure, compare with the truth.
 # Leaves everything in the folder demo/.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

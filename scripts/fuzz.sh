@@ -34,7 +34,7 @@ scripts/setup.sh --dev
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz
 
-# The targets write many small files: into memory where there is such a folder.
+# The targets write many small files, so they use a folder in memory if there is one.
 memory=/tmp
 [[ -d /dev/shm && -w /dev/shm ]] && memory=/dev/shm
 TMPDIR=$(mktemp --directory "$memory/quorvel-fuzz-XXXXXX")
@@ -48,7 +48,7 @@ fuzz() {
   local corpus=$PWD/build/fuzz/corpus/$target
   local finds=$PWD/build/fuzz/finds/$target
   mkdir -p "$corpus" "$finds"
-  # Inputs of a few kB hold all that a target tells apart.
+  # Inputs of a few kB are enough for every target.
   "$PWD/build/fuzz/bin/fuzz_$target" \
     -max_total_time=$((minutes * 60)) -max_len=4096 -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
     -close_fd_mask=1 "-artifact_prefix=$finds/" \
@@ -81,7 +81,7 @@ for target in "${targets[@]}"; do
     continue
   fi
   last=$(grep -a ' cov: ' "$log" | tail -1 || true)
-  # What this run kept: libFuzzer names it in the log.
+  # Inputs that this run kept; libFuzzer names them in the log.
   mapfile -t found < <(sed -n 's/.*Test unit written to //p' "$log")
   printf '%-18s %12s %8s %7s %7s %6s %6s\n' "$target" \
     "$executions" "$(statistic "$log" average_exec_per_sec)" \

@@ -46,8 +46,8 @@ imports() {
   "$objdump" -p "$1" | sed -n 's/^\tDLL Name: //p'
 }
 
-# Copies the DLLs that a file loads, and those that they load, beside it; what is part of Windows has an import library
-# of its own among the compiler's.
+# Copies the DLLs that a file loads, and the DLLs that those load, beside it. DLLs of Windows are left out: for each of
+# them the compiler has an import library.
 add_imports() {
   local dll folder
   for dll in $(imports "$1"); do
@@ -94,7 +94,7 @@ add_licence yaml-cpp libyaml-cpp-dev
 add_licence nlohmann-json nlohmann-json3-dev
 add_licence cli11 libcli11-dev
 add_licence gcc-runtime gcc-mingw-w64-x86-64-posix-runtime
-# The compiler's notices name this licence, to which they add their exception, by its place on Debian.
+# The compiler's notices add an exception to this licence, and give its path on Debian.
 cp -L /usr/share/common-licenses/GPL-3 "$top/licenses/gcc-runtime/"
 add_licence mingw-w64 mingw-w64-x86-64-dev
 

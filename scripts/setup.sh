@@ -1,20 +1,21 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Installs what building and testing need and the machine lacks. Asks nothing; does nothing when all is there.
+# Installs the missing packages that building and testing need. Asks nothing; does nothing when all are installed.
 #   scripts/setup.sh          to build, run the demo and the tests
-#   scripts/setup.sh --dev    also what the checks and the documents need: formatter, linter, coverage, fuzzing,
-#                             instruction counts and plots
-#   scripts/setup.sh --windows    also what the build for Windows needs: cross compiler, Wine, tools for source packages
+#   scripts/setup.sh --dev    also for the checks and the documents: formatter, linter, Clang, coverage, fuzzing, the
+#                             binary interface, instruction counts and plots
+#   scripts/setup.sh --windows    also for the build for Windows: cross compiler, Wine, tools for source packages
 set -euo pipefail
 
 packages=(
   ca-certificates git g++ cmake ninja-build
   libopencv-dev
   libcli11-dev nlohmann-json3-dev libyaml-cpp-dev jq
-  libgtest-dev libgmock-dev libbenchmark-dev locales parallel
+  libgtest-dev libgmock-dev libbenchmark-dev locales parallel ccache pkgconf
 )
 if [[ "${1:-}" == "--dev" ]]; then
-  packages+=(clang libclang-rt-dev llvm clang-format clang-tidy gcovr pngquant time valgrind cppcheck gnuplot-nox)
+  packages+=(clang libclang-rt-dev llvm clang-format clang-tidy gcovr pngquant time valgrind cppcheck gnuplot-nox
+    abigail-tools)
 fi
 if [[ "${1:-}" == "--windows" ]]; then
   packages+=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 wine googletest dpkg-dev xz-utils bzip2 zip unzip)

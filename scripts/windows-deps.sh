@@ -16,7 +16,7 @@ triplet=x86_64-w64-mingw32
 source_packages=(opencv libpng1.6 tiff yaml-cpp)
 cache="${QUORVEL_WINDOWS_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/quorvel-windows}"
 
-# What is said goes to standard error: standard output is the prefix alone.
+# Messages go to standard error, because standard output is only the prefix.
 say() {
   echo "windows-deps: $*" >&2
 }
@@ -39,8 +39,8 @@ work="$cache/work"
 rm -rf "$prefix" "$work"
 mkdir -p "$prefix" "$work/lists/partial" "$work/sources"
 
-# Downloads the source packages. Their list is private to this folder: the machine's own sources, turned from binary to
-# source packages, the suite of the release alone.
+# Downloads the source packages. Their list is kept in this folder: the machine's own sources, changed from binary to
+# source packages, with only the suite of the release.
 download() {
   local uri release component
   local keyring=/usr/share/keyrings/debian-archive-keyring.gpg

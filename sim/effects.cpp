@@ -13,7 +13,8 @@ namespace {
 /// The sequences of random numbers; the values are part of what a seed means.
 enum Sequence : std::uint32_t { kFlying = 1, kNoise = 2, kJitter = 3, kDropout = 4, kHoles = 5 };
 
-/// Depth of the measured 4-neighbour that differs most from the pixel's own; its own when there is none.
+/// The depth of the measured 4-neighbour that differs most from the pixel's depth; the pixel's depth when no neighbour
+/// is measured.
 double farthestOffNeighbour(const cv::Mat& depth, int row, int col) {
     const double own = depth.at<double>(row, col);
     double other = own;
@@ -50,7 +51,7 @@ cv::Mat withFlyingPixels(const cv::Mat& depth, const SensorEffects& effects, Ran
     return mixed;
 }
 
-/// One number a pixel is drawn, measured or not, so that an object changes no noise but its own.
+/// Draws one number for every pixel, measured or not, so that an object does not change the noise of other pixels.
 void addAxialNoise(cv::Mat& depth, double sigmaAtOneMetre, Random random) {
     for (int row = 0; row < depth.rows; ++row) {
         auto* z = depth.ptr<double>(row);

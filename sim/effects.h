@@ -9,7 +9,7 @@
 
 namespace quorvel::sim {
 
-/// What the sensor makes of the exact depth, as SensorEffects describes it.
+/// Applies the sensor effects of SensorEffects to the exact depth.
 /// @param exact CV_64FC1, z in mm, 0 = nothing hit
 /// @param seed of the scene; each effect draws from its own sequence, so that switching one on leaves the others alone
 /// @param frameIndex selects everything that changes from frame to frame

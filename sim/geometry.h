@@ -14,9 +14,8 @@ struct SinCos {
 };
 
 /// Sine and cosine of an angle in degrees, rounded to multiples of 2^-40. The mathematics libraries of different
-/// platforms may differ in the last bit of a sine; rounding away the low bits makes them agree, and everything after it
-/// uses only + - * / and square roots, which are rounded alike everywhere. 2^-40 of a metre is a nanometre's
-/// thousandth.
+/// platforms may differ in the last bit of a sine. Without the low bits they agree. Everything after this uses only
+/// + - * / and square roots, which every platform rounds in the same way. 2^-40 of a metre is about a picometre.
 SinCos sinCosDeg(double degrees);
 
 /// A right-angled frame standing on the surface, in camera coordinates: x and y lie in the surface, up points to the

@@ -7,8 +7,8 @@ namespace quorvel::sim {
 
 namespace {
 
-/// Mixes the bits of a word so that neighbouring inputs give unrelated outputs (two rounds of xor, shift and multiply;
-/// the multipliers are odd, so that nothing is lost).
+/// Mixes the bits of a word so that neighbouring inputs give unrelated outputs: two rounds of xor, shift and multiply.
+/// The multipliers are odd, so different inputs give different outputs.
 std::uint32_t mixBits(std::uint32_t value) {
     value ^= value >> 16U;
     value *= 0x7FEB352DU;

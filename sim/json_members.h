@@ -18,8 +18,8 @@ using Json = nlohmann::ordered_json;  ///< keeps members in the order in which t
 /// A JSON value as a message shows it: on one line, ASCII, long ones cut short.
 std::string shown(const Json& value);
 
-/// Reads the members of one JSON object into variables and notes which exist, to find misspelt ones. A member that is
-/// left out leaves its variable alone; every complaint is a refuse() naming the member by its full path.
+/// Reads the members of one JSON object into variables and notes the known names, to find misspelt ones. A missing
+/// member does not change its variable. Every error is a refuse() that names the member by its full path.
 class Members {
 public:
     /// @param object must outlive this reader; refused when it is not an object
@@ -38,7 +38,7 @@ public:
     /// A number that must not be left out.
     void readRequired(const std::string& name, double& value);
 
-    /// Refuses the first member that was never asked for.
+    /// Refuses the first member whose name is not known.
     void finish() const;
 
 private:

@@ -7,8 +7,8 @@
 
 namespace quorvel::sim {
 
-/// Random numbers that agree on every platform: std::mt19937 and std::seed_seq are fixed to the bit by the language
-/// standard, its distributions are not, so values are formed here from integers.
+/// Random numbers that are the same on every platform. The language standard defines every bit of std::mt19937 and
+/// std::seed_seq, but not of its distributions, so values are made from integers here.
 class Random {
 public:
     /// @param key identifies the sequence, for example {seed, frame, effect}

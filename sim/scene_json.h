@@ -7,8 +7,8 @@
 
 namespace quorvel::sim {
 
-// The members of the file are those of Scene, by the same names; colours are written "#rrggbb". What is left out has
-// its default; only the sizes of objects are compulsory.
+// The file has the members of Scene, with the same names; colours are written "#rrggbb". A missing member has its
+// default; only the sizes of objects are required.
 
 /// Reads a scene file. Throws std::runtime_error with one line that begins with the path, for an unreadable file and
 /// for everything that sceneFromJson() refuses.

@@ -12,7 +12,7 @@ const cv::Vec3d& lampDirection();
 
 /// Share of the lamp's light that reaches a place, 0 ... 1: soft shadows of all objects that rise above it.
 /// @param place plane coordinates and height above the surface, mm
-/// @param self index of the solid that the place lies on, which shades itself by its faces; -1 for the surface
+/// @param self index of the solid that the place lies on, which casts no shadow on itself; -1 for the surface
 double lampShare(const View& view, const cv::Vec3d& place, int self);
 
 /// Share of the light from all around that reaches a place of the surface, 0 ... 1: darker close to an object.

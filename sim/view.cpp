@@ -14,8 +14,9 @@ cv::Vec3d unitColor(const cv::Vec3b& color) {
     return {color[0] / 255.0, color[1] / 255.0, color[2] / 255.0};
 }
 
-/// Smallest picture part that holds the positions, one pixel wider on every side against rounding. An object that
-/// reaches behind the camera's image plane (a NaN position) can show anywhere.
+/// The smallest part of the picture that holds the positions, one pixel wider on every side because of rounding. An
+/// object that reaches behind the camera's image plane (a NaN position) may appear anywhere, so it gets the whole
+/// picture.
 cv::Rect areaOf(const std::vector<cv::Point2d>& positions, const Camera& camera) {
     double left = camera.width;
     double right = -1.0;

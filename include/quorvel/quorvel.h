@@ -18,6 +18,8 @@
 
 #include <opencv2/core.hpp>
 
+#include <quorvel/version.h>
+
 #if defined(QUORVEL_STATIC)
 #define QUORVEL_API
 #elif defined(_WIN32)
@@ -43,8 +45,8 @@ enum ProductType : std::int32_t {
 };
 
 /// What one measurement found. Read `corners` and `inView` first: without corners nothing was measured, and
-/// with `inView` false the three sizes are 0 (in GROUND_TRACKING the height of either is lowered all the same, to -1
-/// ... -8).
+/// when `inView` is false the three sizes are 0. GROUND_TRACKING lowers the height also in these two cases; it is then
+/// between -8 and -1 mm.
 struct MeasureResult {
     /// Image positions of the box, full-size pixels: entries 0-3 the ground corners, entries 4-7 the top
     /// corners, corner k of the ground below corner k + 4 of the top. Eight entries, or empty.
@@ -281,14 +283,16 @@ public:
     ///
     /// Works in place on `depthSmall` and `pointCloud`: push a new frame before every measurement.
     /// \return 0 when the frame was measured (`result` may still be empty or out of view: read `corners` and
-    ///         `inView`) or when the mode measures nothing; 1 when there is no plane or none to measure from (not four
-    ///         finite numbers, a normal more than a hundredth from unit length, a distance that is not positive; in
-    ///         debug mode a line says which), no usable frame or no object, with `result` reset
+    ///         `inView`) or when the mode measures nothing. 1, with `result` reset, when there is no plane, no usable
+    ///         plane, no usable frame or no object. A plane is unusable when one of its four numbers is not finite,
+    ///         when the length of its normal is more than a hundredth from 1, when its distance is not positive, or
+    ///         when its normal lies along the optical axis and is not exactly (0, 0, 1); in debug mode a line says
+    ///         which.
     QUORVEL_API int measureOnce();
 
     // Settings and queries
 
-    /// \return the version of the library, "3.6.4.1"
+    /// \return the version of the library as QUORVEL_VERSION writes it
     QUORVEL_API std::string getVersion();
     /// Sets the width of the band that is kept clear at the left and right image edge.
     /// \param enable accepted and not used
@@ -328,9 +332,9 @@ public:
     /// \return 0
     QUORVEL_API int setFilterWeight(float weight);
     /// Selects the operating mode. KIOSK and KIOSK_LOW_OBJECT also load the plane from the calibration file and
-    /// set `effectiveRegion` to the centred fifth of the picture. The plane is taken as the file has it: fields behind
-    /// the first that is no number keep their values, and a plane that cannot be measured from counts as loaded, but
-    /// every measurement refuses it.
+    /// set `effectiveRegion` to the centred fifth of the picture. The plane is taken as the file has it.
+    /// Reading stops at the first field that is not a number; that field and those after it keep their values. An
+    /// unusable plane counts as loaded, but every measurement refuses it.
     /// \param type the mode
     /// \return 0, also when there is no calibration file
     QUORVEL_API int setProductType(ProductType type);
@@ -345,8 +349,8 @@ public:
     ///
     /// A fit that fails keeps the previous plane, and is not reported: check `refPlaneNormal` and
     /// `refPlaneOffset`. Only KIOSK and GROUND_GROWING fit; the other modes keep the plane. Without a usable depth
-    /// frame nothing is changed or written. Both files are put in place whole, in one step each, when their content is
-    /// on the disk; one that cannot be written is skipped and the old one stays.
+    /// frame nothing is changed or written. Each file is put in place whole and in one step, when its content is on the
+    /// disk. A file that cannot be written is skipped, and the old file stays.
     /// \param[out] t the stored distance of the plane, mm
     /// \param offset added to the fitted distance, mm
     /// \return 0
@@ -385,36 +389,29 @@ public:
 
     /// Writes `calibrationRoI`, `effectiveRegion` and `filterWeight` into a ruler parameter file.
     /// \param path its extension chooses the format: .xml, .json, or YAML for .yml, .yaml and any other
-    /// \return false when the file cannot be written whole (the old one then stays), when its path holds a question
-    ///         mark or ends in ".gz", or names a folder, a device or a pipe
+    /// \return false when the file cannot be written whole (the old file then stays), when the path contains a question
+    ///         mark or ends in ".gz", or when it names a folder, a device or a pipe
     /// \throws cv::Exception what the file storage of OpenCV raises
     QUORVEL_API bool saveRulerParam(std::string path);
     /// Reads a ruler parameter file into `calibrationRoI`, `effectiveRegion` and `filterWeight`. A region that is
-    /// missing or not a sequence of four numbers becomes (0, 0, 0, 0), a weight that is missing or no number 0;
-    /// nothing is checked against the frame size.
+    /// missing or not a sequence of four numbers becomes (0, 0, 0, 0). A weight that is missing or not a number becomes
+    /// 0. Nothing is checked against the frame size.
     /// \param path of the file; its content tells the format
     /// \param[out] calibrationArea the new `calibrationRoI`, full-size pixels
     /// \param[out] detectArea the new `effectiveRegion`, full-size pixels
-    /// \return false when the file cannot be opened, or is far from a parameter file (more than 64 KiB, lines of more
-    ///         than 1000 characters, more than 1000 brackets and tags), with everything as it was
-    /// \throws cv::Exception when the file is no document; members and out-arguments are as they were
+    /// \return false, with nothing changed, when the file cannot be opened or cannot be a parameter file (more than
+    ///         64 KiB, lines of more than 1000 characters, more than 1000 brackets and tags)
+    /// \throws cv::Exception when the file is not a valid document; nothing is changed
     QUORVEL_API bool loadRulerParam(std::string path, cv::Rect& calibrationArea, cv::Rect& detectArea);
     /// Writes a capture into a new folder "./log/YYYY-MM/YYYY-MM-DD-hh-mm-ss" of the local time: camera and plane
     /// (para.txt), the last result (res.txt) and the current frame (color.png, depth.tif; left out when empty). The
-    /// folder can be given to the constructor, which replays it. A folder that is already there is left as it is,
-    /// so of several calls within a second the first writes; each file is written whole or, when it cannot be,
+    /// folder can be given to the constructor, which replays it. An existing folder is never changed, so of several
+    /// calls within a second only the first writes. Each file is written whole; a file that cannot be written is
     /// skipped.
     /// \return 0
     /// \throws cv::Exception when OpenCV cannot encode an image
     QUORVEL_API int saveOfflineData();
 
 private:
-    void startNormally(float focalX, float focalY, float centerX, float centerY, int width, int height);
-    bool startOffline();
-    bool takeFrame(const cv::Mat& color, const cv::Mat& depth, const cv::Mat* aux);
-    void deriveImages();
-    bool keepBatch(const std::vector<cv::Mat>& colorFrames, const std::vector<cv::Mat>& depthFrames);
-    void deriveBatchImages();
-    void makeFirstFrameCurrent();
     void ClearBuffer();
 };

@@ -5,9 +5,8 @@
 #include <cmath>
 #include <cstdint>
 
-#include "calib/calibration_region_loops.h"
-#include "common/exclusive.h"
-#include "common/numbers.h"
+#include "image/exclusive.h"
+#include "image/numbers.h"
 
 namespace quorvel::internal {
 
@@ -44,16 +43,16 @@ cv::Rect insideOf(const RegionCorners& corners, const cv::Size& image) {
 
 void pointsInsideRegion(const cv::Mat& cloud, const RegionCorners& corners, cv::Mat& inside) {
     createExclusive(inside, cloud.size(), CV_32FC3);
+    inside.setTo(0);
     const cv::Rect region = insideOf(corners, cloud.size());
-    const CalibrationRegionLoops& loops = calibrationRegionLoops();
-    for (int row = 0; row < cloud.rows; ++row) {
+    for (int row = region.y; row < region.y + region.height; ++row) {
+        const auto* from = cloud.ptr<cv::Vec3f>(row);
         auto* to = inside.ptr<cv::Vec3f>(row);
-        const bool between = row >= region.y && row < region.y + region.height;
-        const int first = between ? region.x : 0;
-        const int end = between ? region.x + region.width : 0;
-        std::fill(to, to + first, cv::Vec3f());
-        loops.copyPresent(cloud.ptr<float>(row) + 3 * first, end - first, inside.ptr<float>(row) + 3 * first);
-        std::fill(to + end, to + cloud.cols, cv::Vec3f());
+        for (int column = region.x; column < region.x + region.width; ++column) {
+            if (std::fabs(from[column][2]) > 0.0F) {
+                to[column] = from[column];
+            }
+        }
     }
 }
 

@@ -22,8 +22,8 @@ cv::Rect insideOf(const RegionCorners& corners, const cv::Size& image);
 
 /// Copies the points strictly inside a region.
 /// \param cloud CV_32FC3, mm, not empty
-/// \param[out] inside CV_32FC3 of the cloud's size, (0, 0, 0) outside the region and where the cloud's z is 0 or no
-///             number; its storage is kept when it fits and nobody else holds it
+/// \param[out] inside CV_32FC3 of the cloud's size, (0, 0, 0) outside the region and where the cloud's z is 0 or
+///             NaN; its storage is used again when it fits and nobody else holds it
 void pointsInsideRegion(const cv::Mat& cloud, const RegionCorners& corners, cv::Mat& inside);
 
 /// \return half the region's area in pixels: the fewest points a least-squares fit accepts

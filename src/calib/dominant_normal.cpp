@@ -8,7 +8,7 @@
 #include <iterator>
 
 #include "calib/dominant_normal_loops.h"
-#include "common/numbers.h"
+#include "image/numbers.h"
 
 namespace quorvel::internal {
 
@@ -43,8 +43,8 @@ BinCounts countBins(const cv::Mat& normalMap) {
     return counts;
 }
 
-/// \param count how often several bins other than 0 occur, and none more often
-/// \return the bin that occurs for the `count`th time first
+/// \param count the highest count of any bin but 0; several bins have it
+/// \return the bin whose count reaches this number first, in row-major order
 int firstToReach(const cv::Mat& normalMap, std::int32_t count) {
     BinCounts counts{};
     for (int row = 0; row < normalMap.rows; ++row) {
@@ -59,9 +59,9 @@ int firstToReach(const cv::Mat& normalMap, std::int32_t count) {
     return 0;
 }
 
-/// Counting first and looking for the first to reach the count only when there are several gives the same winner as
-/// watching every count grow: the last one to beat all counts before it is the first to reach the highest. Six times
-/// faster over 512 x 384.
+/// All bins are counted first. Only when several bins share the highest count, a second pass finds the one that reached
+/// it first. The plain form keeps the best bin while it counts, and replaces it only by a larger count. Its winner is
+/// the same: the bin that reaches the highest count first. Six times faster over 512 x 384.
 int mostFrequentBin(const cv::Mat& normalMap) {
     const BinCounts counts = countBins(normalMap);
     const std::int32_t highest = *std::max_element(counts.begin(), counts.end());
@@ -73,12 +73,11 @@ int mostFrequentBin(const cv::Mat& normalMap) {
 
 }  // namespace
 
-int dominantNormalBin(const cv::Mat& normalMap, cv::Vec3f& bin) {
+cv::Vec3f dominantNormalBin(const cv::Mat& normalMap) {
     const int best = mostFrequentBin(normalMap);
     const cv::Vec3i bins(best % kBinsPerChannel, best / kBinsPerChannel % kBinsPerChannel,
                          best / (kBinsPerChannel * kBinsPerChannel));
-    bin = cv::Vec3f(bins);
-    return 0;
+    return {bins};
 }
 
 }  // namespace quorvel::internal

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "calib/dominant_normal_loops.h"
 
-#include "common/lanes.h"
+#include "simd/lanes.h"
 
 namespace quorvel::internal::QUORVEL_VARIANT {
 

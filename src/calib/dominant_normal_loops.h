@@ -3,14 +3,14 @@
 
 #include <cstdint>
 
-#include "common/loop_variant.h"
+#include "simd/loop_variant.h"
 
 namespace quorvel::internal {
 
 /// Orientation bins: four a channel.
 constexpr int kNormalBins = 64;
-/// Counts of one bin, which neighbouring pixels take in turn: mostly they fall in the same bin, and a count that the
-/// pixel before has just written is slow to read.
+/// Each bin has four counters, and four neighbouring pixels use one each. Neighbours mostly fall in the same bin, and a
+/// counter that the pixel before has just written is slow to read.
 constexpr int kCountsPerBin = 4;
 
 /// The loops of dominantNormalBin.

@@ -3,24 +3,21 @@
 
 #include <algorithm>
 
-#include "common/bits.h"
+#include "image/bit_image.h"
 
 namespace quorvel::internal {
 
 namespace {
 
-constexpr std::uint64_t kEveryByte = 0x0101010101010101U;
 constexpr std::uint64_t kTopBits = 0x8080808080808080U;
 constexpr int kByteBits = 8;
 
 /// \param k 0 ... number of set bits - 1
 /// \return the k-th lowest set bit of a word, alone
 std::uint64_t kthSetBit(std::uint64_t word, int k) {
-    // Counts of two, four and eight bits; the product makes byte i the count of bytes 0 ... i.
-    std::uint64_t counts = word - ((word >> 1) & 0x5555555555555555U);
-    counts = (counts & 0x3333333333333333U) + ((counts >> 2) & 0x3333333333333333U);
-    counts = ((counts + (counts >> 4)) & 0x0F0F0F0F0F0F0F0FU) * kEveryByte;
-    // A byte keeps its top bit where its count is k or less: the bit is above it. No byte borrows from the next.
+    const std::uint64_t counts = setBitsUpToByte(word);
+    // A byte keeps its top bit where its count is at most k: the bit sought lies in a later byte. No byte borrows from
+    // the next one, because every byte of the left side is at least 128 and no count is above 64.
     const std::uint64_t passed = ((static_cast<std::uint64_t>(k) * kEveryByte | kTopBits) - counts) & kTopBits;
     const auto shift = static_cast<int>(((passed >> (kByteBits - 1)) * kEveryByte) >> 56) * kByteBits;
     const auto before = static_cast<int>(((counts << kByteBits) >> shift) & 0xFFU);
@@ -38,11 +35,11 @@ std::size_t groupsOf(std::size_t size, std::size_t count) {
 }  // namespace
 
 void DrawPool::fill(const BitImage& pixels) {
-    const auto words = static_cast<std::size_t>(pixels.rows()) * static_cast<std::size_t>(pixels.wordsPerRow());
+    const auto words = static_cast<std::size_t>(pixels.words());
     const std::size_t rounded = groupsOf(kFanOut, words) * kFanOut;
     wordsPerRow_ = pixels.wordsPerRow();
     words_ = wordStorage_.atLeast(rounded);
-    // A seventh of the words and a group a level hold all the sums.
+    // Room for the counts of the words, and for the sums: a seventh as many, plus one group for each level.
     counts_[0] = countStorage_.atLeast(rounded + rounded / (kFanOut - 1) + kFanOut * kMostLevels);
     sizes_[0] = rounded;
     left_ = 0;

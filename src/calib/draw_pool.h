@@ -7,16 +7,17 @@
 
 #include <opencv2/core.hpp>
 
-#include "common/bit_image.h"
-#include "common/growing_buffer.h"
+#include "image/bit_image.h"
+#include "image/scratch.h"
 
 namespace quorvel::internal {
 
-/// A list of pixels, row by row, from which entries are taken by position, the later ones moving up one place each
-/// time.
+/// A list of pixels in row-major order, from which entries are taken by position. After each draw the later entries
+/// move up by one place.
 ///
-/// The list is an image of bits; counts of eight words, of eight such counts and so on lead to the word of an entry in
-/// a few steps whatever the list's length, with the same entry for the same position as in a vector.
+/// The list is stored as an image of bits. The set bits are counted for each word, for every eight words, for every
+/// eight of those groups, and so on. These counts lead to the word of an entry in a few steps, for lists of any length.
+/// A position gives the same entry as in a vector from which drawn entries are erased.
 class DrawPool {
 public:
     /// Makes a list of the set bits of an image. Storage is kept and grows only.

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "calib/solve3x3.h"
+#include "geometry/solve3x3.h"
 
 namespace quorvel::internal {
 
@@ -23,8 +23,8 @@ void PlaneSums::add(const cv::Vec3f& point) {
     }
 }
 
-// The sums stand side by side in one register: points take turns, but the sums of one point are added at once. Five
-// times as fast as one sum after the other.
+// The eight sums stand side by side in one register. Points are added one after the other, but the eight terms of one
+// point in one step. Five times as fast as one sum after the other.
 void PlaneSums::addRow(const float* points, int count) {
     points_ += leastSquaresLoops().addRow(points, count, sums_.data());
 }
@@ -36,23 +36,20 @@ float PlaneSums::count() const {
 
 Plane PlaneSums::solve() const {
     const auto [x, y, z, xx, xy, yy, xz, yz] = sums_;
-    std::array<float, 3> slopes{0.0F, 0.0F, 0.0F};
-    solve3x3({xx, xy, x, xy, yy, y, x, y, count()}, {xz, yz, z}, slopes);
+    const std::array<float, 3> slopes =
+        solve3x3({xx, xy, x, xy, yy, y, x, y, count()}, {xz, yz, z}).value_or(std::array<float, 3>{});
     return planeFromSlopes(slopes[0], slopes[1], slopes[2]);
 }
 
-int fitPlaneLeastSquares(const cv::Mat& cloud, cv::Vec3f& normal, float& offset, float minPoints) {
+LeastSquaresFit fitPlaneLeastSquares(const cv::Mat& cloud, float minPoints) {
     PlaneSums sums;
     for (int row = 0; row < cloud.rows; ++row) {
         sums.addRow(cloud.ptr<float>(row), cloud.cols);
     }
     if (std::ceil(minPoints) > sums.count()) {
-        return -1;
+        return {sums.points(), std::nullopt};
     }
-    const Plane plane = sums.solve();
-    normal = plane.normal;
-    offset = plane.offset;
-    return 0;
+    return {sums.points(), sums.solve()};
 }
 
 }  // namespace quorvel::internal

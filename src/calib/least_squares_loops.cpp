@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "calib/least_squares_loops.h"
 
-#include "common/lanes.h"
+#include "simd/lanes.h"
 
 namespace quorvel::internal::QUORVEL_VARIANT {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "common/loop_variant.h"
+#include "simd/loop_variant.h"
 
 namespace quorvel::internal {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "calib/normal_map_loops.h"
 
-#include "common/lanes.h"
+#include "simd/lanes.h"
 
 namespace quorvel::internal::QUORVEL_VARIANT {
 
@@ -15,13 +15,13 @@ inline Vectors crossProduct(const Vectors& a, const Vectors& b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-/// The product in double that the colours are defined by is exact (24 and 8 significant bits), so that its rounding to
-/// float is that of the product in float.
+/// The colours are defined by a product in double that is rounded to float. This product is exact in double (24 and 8
+/// significant bits), so the product in float has the same bits.
 inline Floats channelOf(Floats component, Floats length) {
     return (component / length + all(1.0F)) * all(127.5F);
 }
 
-/// kLanes pixels. Where the length is 0 the quotients are no numbers; the mask turns them into +0.
+/// kLanes pixels. Where the length is 0 the quotients are NaN; the mask turns them into +0.
 inline void colourPixels(const Vectors& points, const Vectors& right, const Vectors& below, float* colours) {
     const Vectors normal = crossProduct(right - points, below - points);
     const Floats length = lengthInDouble(normal.x, normal.y, normal.z);

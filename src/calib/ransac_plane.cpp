@@ -13,20 +13,18 @@
 
 #include "calib/draw_pool.h"
 #include "calib/least_squares.h"
-#include "calib/plane_model.h"
 #include "calib/ransac_plane_loops.h"
-#include "calib/select_kth.h"
-#include "common/bit_image.h"
-#include "common/growing_buffer.h"
-#include "common/scratch.h"
+#include "geometry/selection.h"
+#include "geometry/vec3.h"
+#include "image/bit_image.h"
+#include "image/scratch.h"
 
 namespace quorvel::internal {
 
 namespace {
 
 constexpr float kBinWidth = 64.0F;
-constexpr std::size_t kMinCandidates = 4000;
-/// Rank from the far end of the value that stands for the floor's distance: far enough in to pass over outliers.
+/// The 2000th largest distance is taken as the floor's distance. The larger ones may be outliers.
 constexpr int kFloorRank = 2000;
 constexpr float kFirstBandShare = 10.0F;
 constexpr float kLaterBandShare = 100.0F;
@@ -35,12 +33,12 @@ constexpr int kMaxIterations = 100;
 constexpr double kLeastImprovement = 1e-6;
 constexpr int kRandomMask = 0x7FFF;
 
-/// Distances looked at to guess which are the farthest.
+/// About so many distances are sampled to guess where the farthest ones begin.
 constexpr std::size_t kGuessSample = 4096;
-/// Room for the distances beyond the guess, several times as many as the guess is made for in a large image.
+/// Room for the distances beyond the guess: several times the number that is expected in a large image.
 constexpr int kFartherRoom = 16384;
 
-struct Workspace {
+struct RansacWorkspace {
     BitImage candidates;
     BitImage pixels;
     DrawPool pool;
@@ -80,13 +78,9 @@ struct InlierSums {
     float depth = 0.0F;
 };
 
-int wordsOf(const BitImage& image) {
-    return image.rows() * image.wordsPerRow();
-}
-
 std::size_t countPixels(const BitImage& image) {
     std::size_t count = 0;
-    for (int i = 0; i < wordsOf(image); ++i) {
+    for (int i = 0; i < image.words(); ++i) {
         count += static_cast<std::size_t>(countSetBits(image.row(0)[i]));
     }
     return count;
@@ -107,49 +101,41 @@ Candidates findCandidates(const Scene& scene, const NormalBand& band, BitImage& 
 cv::Vec3f meanDirection(const Candidates& candidates) {
     const auto count = static_cast<float>(candidates.count);
     const std::array<float, 3>& sum = candidates.colourSums;
-    const cv::Vec3d mean(sum[0] / count, sum[1] / count, sum[2] / count);
-    const double length = std::sqrt(mean[0] * mean[0] + mean[1] * mean[1] + mean[2] * mean[2]);
-    return {static_cast<float>(mean[0] / length), static_cast<float>(mean[1] / length),
-            static_cast<float>(mean[2] / length)};
+    return normalized(cv::Vec3f(sum[0] / count, sum[1] / count, sum[2] / count));
 }
 
 Distances measureDistances(const cv::Mat& cloud, const Candidates& candidates, GrowingBuffer<float>& storage) {
-    const cv::Vec3f direction = meanDirection(candidates);
-    const int words = wordsOf(candidates.pixels);
+    const cv::Vec3f along = meanDirection(candidates);
+    const int words = candidates.pixels.words();
     const std::size_t stride = static_cast<std::size_t>(candidates.pixels.wordsPerRow()) * kWordBits;
     float* const values = storage.atLeast(static_cast<std::size_t>(words) * kWordBits);
     const RansacPlaneLoops& loops = ransacPlaneLoops();
     bool finite = true;
     for (int row = 0; row < cloud.rows; ++row) {
-        finite &= loops.measureDistances(cloud.ptr<float>(row), cloud.cols, direction.val, candidates.pixels.row(row),
+        finite &= loops.measureDistances(cloud.ptr<float>(row), cloud.cols, along.val, candidates.pixels.row(row),
                                          values + static_cast<std::size_t>(row) * stride);
     }
     return {values, words, finite};
 }
 
-/// \return a distance that some more than kFloorRank of `count` candidates lie beyond, judging by a sample of them;
-///         nothing when the sample has no such distance
+/// Guesses, from a sample, a distance beyond which somewhat more than kFloorRank of the `count` candidates lie.
+/// \return the distance; nothing when the sample is too small for a guess
 std::optional<float> guessBound(const Distances& distances, std::size_t count, GrowingBuffer<float>& storage) {
     const std::size_t total = static_cast<std::size_t>(distances.words) * kWordBits;
-    const std::size_t step = (total / kGuessSample) | 1U;  // odd: it wanders over the columns
+    const std::size_t step = (total / kGuessSample) | 1U;  // odd, so that the sample comes from all columns
     float* const sample = storage.atLeast(total / step + 1);
     std::size_t size = 0;
     for (std::size_t i = 0; i < total; i += step) {
         sample[size] = distances.values[i];
         size += std::isfinite(distances.values[i]) ? 1 : 0;
     }
-    // Of as many as are expected beyond, three standard deviations more.
-    const double expected = static_cast<double>(kFloorRank) * static_cast<double>(size) / static_cast<double>(count);
-    const auto rank = static_cast<std::size_t>(expected + 3.0 * std::sqrt(expected) + 3.0);
-    if (rank >= size) {
-        return std::nullopt;
-    }
-    std::nth_element(sample, sample + rank, sample + size, std::greater<>());
-    return sample[rank];
+    // Few more than wanted: in a large image there is just room for them.
+    constexpr double kDeviations = 3.0;
+    return boundFromSample(sample, size, count, kFloorRank, kDeviations);
 }
 
-/// \return the kFloorRank-th greatest distance; nothing when the guess misses it
-std::optional<float> floorBeyondGuess(const Distances& distances, std::size_t count, Workspace& workspace) {
+/// \return the kFloorRank-th largest distance; nothing when it does not lie beyond the guess
+std::optional<float> floorBeyondGuess(const Distances& distances, std::size_t count, RansacWorkspace& workspace) {
     const std::optional<float> bound = guessBound(distances, count, workspace.sample);
     if (!bound) {
         return std::nullopt;
@@ -180,11 +166,11 @@ std::vector<float> listOf(const Distances& distances, const Candidates& candidat
     return list;
 }
 
-/// The value of selectKth, which for numbers is the order statistic: its two scans meet at index k at the latest,
-/// where the pivot is, so that no swap crosses them and what a step cuts off lies on one side of the value sought.
-/// Without NaN the same value is found among the few distances beyond a guess, and the others are only compared with
-/// it. It may be +0 instead of -0, which no later step tells apart.
-float floorDistance(const Distances& distances, const Candidates& candidates, Workspace& workspace) {
+/// The value that selectKth() gives. Without NaN that is the k-th smallest value: both scans stop at index k at the
+/// latest, because the pivot is there, so every step cuts off only values on one side of the value sought. The same
+/// value is found faster among the few distances beyond a guess; the others are only compared with the guess. It may be
+/// +0 instead of -0, which makes no difference to any later step.
+float floorDistance(const Distances& distances, const Candidates& candidates, RansacWorkspace& workspace) {
     if (distances.finite) {
         const std::optional<float> floor = floorBeyondGuess(distances, candidates.count, workspace);
         if (floor) {
@@ -197,7 +183,8 @@ float floorDistance(const Distances& distances, const Candidates& candidates, Wo
 
 /// Keeps the candidates within a tenth of the floor's distance of the floor, along the mean direction.
 /// \param[out] pixels the candidates kept
-FloorBand selectFloor(const cv::Mat& cloud, const Candidates& candidates, BitImage& pixels, Workspace& workspace) {
+FloorBand selectFloor(const cv::Mat& cloud, const Candidates& candidates, BitImage& pixels,
+                      RansacWorkspace& workspace) {
     const Distances distances = measureDistances(cloud, candidates, workspace.distances);
     const float floor = floorDistance(distances, candidates, workspace);
     FloorBand kept;
@@ -205,13 +192,13 @@ FloorBand selectFloor(const cv::Mat& cloud, const Candidates& candidates, BitIma
     float errorSum = 0.0F;
     pixels.reset(cloud.rows, cloud.cols);
     ransacPlaneLoops().findNear(distances.values, distances.words, floor, kept.threshold, errorSum, pixels.row(0));
-    // Divided by all candidates, not by those kept: that is the measure the first re-selection has to beat.
+    // Divided by the number of all candidates, not only of those kept. The first re-selection is compared with this.
     kept.meanError = errorSum / static_cast<float>(candidates.count);
     return kept;
 }
 
-/// Least squares over 1000 pixels drawn at random; a drawn pixel outside the band is lost. Nothing when the list runs
-/// dry.
+/// Least squares over 1000 pixels drawn at random. A drawn pixel outside the band is not used and not put back.
+/// \return nothing when the list is empty before 1000 pixels were accepted
 std::optional<Plane> fitSample(const Scene& scene, DrawPool& pool, const NormalBand& band) {
     PlaneSums sums;
     for (int accepted = 0; accepted < kSamples;) {
@@ -250,44 +237,44 @@ NormalBand bandAround(const cv::Vec3f& normal) {
 
 // The lists of pixels are images of bits, tested eight pixels at a time; the sums run in the order of the pixels, as
 // they would over a list. Four times faster than lists over 512 x 384.
-int ransacFitPlane(const cv::Mat& cloud, const cv::Mat& normalMap, const cv::Vec3f& bin, cv::Vec3f& normal,
-                   float& offset) {
-    const Borrowed<Workspace> scratch;
-    Workspace& workspace = *scratch;
+SamplingFit ransacFitPlane(const cv::Mat& cloud, const cv::Mat& normalMap, const cv::Vec3f& bin) {
+    const Borrowed<RansacWorkspace> scratch;
+    RansacWorkspace& workspace = *scratch;
     const Scene scene{cloud, normalMap};
     NormalBand band({kBinWidth * bin[0], kBinWidth * bin[1], kBinWidth * bin[2]});
     const Candidates candidates = findCandidates(scene, band, workspace.candidates);
-    if (candidates.count <= kMinCandidates) {
-        return 1;
+    SamplingFit fit;
+    fit.oriented = candidates.count;
+    if (candidates.count <= kLeastOriented) {
+        return fit;
     }
     BitImage& pixels = workspace.pixels;
     DrawPool& pool = workspace.pool;
     const FloorBand floor = selectFloor(cloud, candidates, pixels, workspace);
     float previousError = floor.meanError;
     float threshold = floor.threshold;
-    std::optional<Plane> plane;
-    for (int iteration = 0; iteration < kMaxIterations; ++iteration) {
+    while (fit.rounds < kMaxIterations) {
+        ++fit.rounds;
         pool.fill(pixels);
-        plane = fitSample(scene, pool, band);
-        if (!plane) {
-            return 1;
+        fit.plane = fitSample(scene, pool, band);
+        if (!fit.plane) {
+            return fit;
         }
-        const NormalBand newBand = bandAround(plane->normal);
-        const InlierSums inliers = selectInliers(scene, *plane, newBand, threshold, pixels);
-        const auto count = static_cast<float>(countPixels(pixels));
-        const float error = inliers.error / count;
-        const double improvement = previousError - error;
-        // Not greater, rather than smaller or equal: a round without inliers (NaN) ends the search too.
+        const NormalBand newBand = bandAround(fit.plane->normal);
+        const InlierSums inliers = selectInliers(scene, *fit.plane, newBand, threshold, pixels);
+        fit.inliers = countPixels(pixels);
+        const auto count = static_cast<float>(fit.inliers);
+        fit.residual = inliers.error / count;
+        const double improvement = previousError - fit.residual;
+        // "Not greater" instead of "at most": a round without inliers gives NaN, and has to end the search too.
         if (!(improvement > kLeastImprovement)) {
             break;
         }
         band = newBand;
-        previousError = error;
+        previousError = fit.residual;
         threshold = inliers.depth / count / kLaterBandShare;
     }
-    normal = plane->normal;
-    offset = plane->offset;
-    return 0;
+    return fit;
 }
 
 }  // namespace quorvel::internal

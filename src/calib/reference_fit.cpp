@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "calib/reference_fit.h"
 
+#include <cmath>
+
 #include "calib/dominant_normal.h"
 #include "calib/least_squares.h"
 #include "calib/normal_map.h"
@@ -9,22 +11,35 @@
 
 namespace quorvel::internal {
 
-Plane fitDominantPlane(const cv::Mat& cloud, const Plane& previous) {
+FitAccount fitDominantPlane(const cv::Mat& cloud, const Plane& previous) {
     const cv::Mat normalMap = computeNormalMap(cloud);
-    cv::Vec3f bin;
-    dominantNormalBin(normalMap, bin);
-    Plane plane = previous;
-    ransacFitPlane(cloud, normalMap, bin, plane.normal, plane.offset);
-    return plane;
+    const SamplingFit fit = ransacFitPlane(cloud, normalMap, dominantNormalBin(normalMap));
+    FitAccount account;
+    account.oriented = fit.oriented;
+    account.inliers = fit.inliers;
+    account.rounds = fit.rounds;
+    account.residual = fit.residual;
+    account.plane = fit.plane.value_or(previous);
+    if (fit.plane) {
+        account.outcome = FitOutcome::Fitted;
+    } else {
+        account.outcome = fit.oriented <= kLeastOriented ? FitOutcome::TooFewOriented : FitOutcome::SampleRanDry;
+    }
+    return account;
 }
 
-Plane fitGrownPlane(const cv::Mat& fullCloud, const cv::Mat& regionCloud, float minPoints, const Plane& previous) {
-    Plane plane = previous;
-    fitPlaneLeastSquares(regionCloud, plane.normal, plane.offset, minPoints);
-    cv::Mat grownCloud = regionCloud;
-    growPlaneRegion(fullCloud, computeNormalMap(fullCloud), plane.normal, grownCloud);
-    fitPlaneLeastSquares(grownCloud, plane.normal, plane.offset, minPoints);
-    return plane;
+FitAccount fitGrownPlane(const cv::Mat& fullCloud, const cv::Mat& regionCloud, float minPoints, const Plane& previous) {
+    const LeastSquaresFit first = fitPlaneLeastSquares(regionCloud, minPoints);
+    const Plane start = first.plane.value_or(previous);
+    const cv::Mat grown = growPlaneRegion(fullCloud, computeNormalMap(fullCloud), start.normal, regionCloud);
+    const LeastSquaresFit second = fitPlaneLeastSquares(grown, minPoints);
+    FitAccount account;
+    account.regionPoints = first.points;
+    account.grownPoints = second.points;
+    account.needed = std::ceil(minPoints);
+    account.plane = second.plane.value_or(start);
+    account.outcome = first.plane || second.plane ? FitOutcome::Fitted : FitOutcome::TooFewPoints;
+    return account;
 }
 
 }  // namespace quorvel::internal

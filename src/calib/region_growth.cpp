@@ -6,11 +6,11 @@
 #include <cstdint>
 #include <vector>
 
-#include "calib/plane_model.h"
 #include "calib/region_growth_loops.h"
-#include "common/bit_image.h"
-#include "common/exclusive.h"
-#include "common/scratch.h"
+#include "geometry/plane_model.h"
+#include "image/bit_image.h"
+#include "image/exclusive.h"
+#include "image/scratch.h"
 
 namespace quorvel::internal {
 
@@ -23,7 +23,7 @@ struct Run {
     int last;
 };
 
-struct Workspace {
+struct GrowthWorkspace {
     BitImage oriented;
     BitImage present;
     BitImage seeds;
@@ -52,15 +52,11 @@ void findPresent(const cv::Mat& cloud, BitImage& present) {
     }
 }
 
-std::uint64_t bitOf(int column) {
-    return std::uint64_t{1} << (column % kWordBits);
-}
-
 /// \return word `index` of a row without the first and the last pixel of `columns`
 std::uint64_t interiorWord(const std::uint64_t* row, int index, int columns) {
     std::uint64_t word = row[index];
     if (index == 0) {
-        word &= ~std::uint64_t{1};
+        word &= ~bitOf(0);
     }
     if (index == (columns - 1) / kWordBits) {
         word &= ~bitOf(columns - 1);
@@ -71,10 +67,7 @@ std::uint64_t interiorWord(const std::uint64_t* row, int index, int columns) {
 /// The pixels of a word that have a neighbour on the left, on the right, above or below in the image.
 /// \param row neither the first nor the last one
 std::uint64_t neighboursOf(const BitImage& image, int row, int index) {
-    const std::uint64_t* const own = image.row(row);
-    const std::uint64_t left = index > 0 ? own[index - 1] >> (kWordBits - 1) : 0;
-    const std::uint64_t right = index + 1 < image.wordsPerRow() ? own[index + 1] << (kWordBits - 1) : 0;
-    std::uint64_t found = own[index] << 1 | left | own[index] >> 1 | right;
+    std::uint64_t found = fromLeft(image.row(row), index) | fromRight(image.row(row), index, image.wordsPerRow());
     found |= row > 0 ? image.row(row - 1)[index] : 0;
     found |= row + 1 < image.rows() ? image.row(row + 1)[index] : 0;
     return found;
@@ -118,7 +111,7 @@ void forEachWord(const Run& run, Visit visit) {
 }
 
 /// Spreads over every run of open pixels that the pixels in a word touch.
-void reach(int row, int index, std::uint64_t pixels, Workspace& workspace) {
+void reach(int row, int index, std::uint64_t pixels, GrowthWorkspace& workspace) {
     BitImage& open = workspace.open;
     std::uint64_t* const openRow = open.row(row);
     while ((pixels &= openRow[index]) != 0) {
@@ -133,9 +126,9 @@ void reach(int row, int index, std::uint64_t pixels, Workspace& workspace) {
     }
 }
 
-/// Prepares the flood: the seeds are the present pixels off the image's border, and the flood may spread over the
-/// oriented ones off the border that are no seeds.
-void plantSeeds(Workspace& workspace) {
+/// Prepares the flood. The seeds are the present pixels that are not on the image's border. The flood may spread over
+/// the oriented pixels that are neither on the border nor seeds.
+void plantSeeds(GrowthWorkspace& workspace) {
     const BitImage& oriented = workspace.oriented;
     const int columns = oriented.columns();
     workspace.seeds.reset(oriented.rows(), columns);
@@ -150,10 +143,9 @@ void plantSeeds(Workspace& workspace) {
     }
 }
 
-/// Spreads from the open pixels next to seeds over all that hang together with them. Which pixels end up reached does
-/// not depend on the order of the visits. Every run of open pixels is reached once: the cost is linear in the runs,
-/// whatever labyrinth they form.
-void flood(Workspace& workspace) {
+/// Spreads from the open pixels next to seeds over all open pixels connected with them. The reached pixels are the same
+/// in any order of visits. Every run of open pixels is reached once, so the time is linear in the number of runs.
+void flood(GrowthWorkspace& workspace) {
     const BitImage& seeds = workspace.seeds;
     for (int row = 1; row < seeds.rows() - 1; ++row) {
         for (int index = 0; index < seeds.wordsPerRow(); ++index) {
@@ -171,7 +163,7 @@ void flood(Workspace& workspace) {
 }
 
 /// The seeds and every oriented pixel next to one that the flood spreads from.
-void collectRegion(Workspace& workspace) {
+void collectRegion(GrowthWorkspace& workspace) {
     const BitImage& seeds = workspace.seeds;
     workspace.region.reset(seeds.rows(), seeds.columns());
     for (int row = 0; row < seeds.rows(); ++row) {
@@ -184,21 +176,22 @@ void collectRegion(Workspace& workspace) {
 
 }  // namespace
 
-// A pixel is kept when it is a seed off the border, or oriented and next to a pixel that the flood spreads from. Those
-// are off the border: open pixels next to a seed and whatever they reach. So images of bits and runs of them give what
-// visits of single pixels give, ten times faster over 640 x 480.
-int growPlaneRegion(const cv::Mat& fullCloud, const cv::Mat& normalMap, const cv::Vec3f& normal, cv::Mat& seedCloud) {
-    const Borrowed<Workspace> scratch;
-    Workspace& workspace = *scratch;
+// A pixel is kept in two cases: it is a seed that is not on the border, or it is oriented and next to a pixel that the
+// flood spreads from. The flood spreads from the open pixels next to a seed and from all open pixels that it reaches;
+// none of them is on the border. So whole runs of bits give the same pixels as visits of single pixels, ten times
+// faster over 640 x 480.
+cv::Mat growPlaneRegion(const cv::Mat& fullCloud, const cv::Mat& normalMap, const cv::Vec3f& normal,
+                        const cv::Mat& seedCloud) {
+    const Borrowed<GrowthWorkspace> scratch;
+    GrowthWorkspace& workspace = *scratch;
     findOriented(normalMap, normal, workspace.oriented);
     findPresent(seedCloud, workspace.present);
     plantSeeds(workspace);
     flood(workspace);
     collectRegion(workspace);
 
-    seedCloud.release();
     if (fullCloud.empty()) {
-        return 0;
+        return {};
     }
     createExclusive(workspace.grown, fullCloud.size(), CV_32FC3);
     const RegionGrowthLoops& loops = regionGrowthLoops();
@@ -206,8 +199,8 @@ int growPlaneRegion(const cv::Mat& fullCloud, const cv::Mat& normalMap, const cv
         loops.copyChosen(fullCloud.ptr<float>(row), fullCloud.cols, workspace.region.row(row),
                          workspace.grown.ptr<float>(row));
     }
-    seedCloud = workspace.grown;
-    return 0;
+    // Shares its pixels with the scratch image; computeNormalMap() explains why that is safe.
+    return workspace.grown;
 }
 
 }  // namespace quorvel::internal

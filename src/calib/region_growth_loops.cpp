@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "calib/region_growth_loops.h"
 
-#include "common/lanes.h"
+#include "simd/lanes.h"
 
 namespace quorvel::internal::QUORVEL_VARIANT {
 
@@ -40,7 +40,7 @@ inline void setBits(const float* pixels, int count, uint64_t* bits, Test test) {
     }
 }
 
-/// Beyond int, and for NaN, the rounded number is the lowest int, which counts as 0.
+/// NaN and numbers that do not fit int become the lowest int, which is then clamped to 0.
 inline Floats roundedChannel(Floats channel) {
     return larger(smaller(toFloats(rounded(channel)), all(kBrightest)), all(kDarkest));
 }

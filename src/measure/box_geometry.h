@@ -6,17 +6,17 @@
 
 #include <opencv2/core.hpp>
 
-#include "calib/plane_model.h"
-#include "measure/plane_basis.h"
+#include "geometry/camera.h"
+#include "geometry/plane_basis.h"
+#include "geometry/plane_model.h"
 
 namespace quorvel::internal {
 
-/// Pinhole projection of full-size images, pixels.
-struct Projection {
-    float cx = 0.0F;
-    float cy = 0.0F;
-    float fx = 0.0F;
-    float fy = 0.0F;
+/// The three sizes of an object, or one bound for each of them, mm.
+struct Sizes {
+    float length = 0.0F;  ///< longer side of the footprint
+    float width = 0.0F;   ///< shorter side of the footprint
+    float height = 0.0F;  ///< above the plane
 };
 
 /// Corners of a footprint rectangle in plane coordinates, mm.

@@ -7,10 +7,9 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "common/frame_size.h"
-#include "common/growing_buffer.h"
-#include "common/numbers.h"
-#include "common/scratch.h"
+#include "image/image_form.h"
+#include "image/numbers.h"
+#include "image/scratch.h"
 
 namespace quorvel::internal {
 
@@ -36,7 +35,8 @@ Polygon drawnPolygon(const std::array<cv::Point2f, 4>& corners) {
     return polygon;
 }
 
-/// The part of a region inside the picture. In 64 bits, because a host's rectangle may end beyond what int holds.
+/// The part of a region inside the picture. Computed in 64 bits, because the sum of a host's x and width may overflow
+/// int.
 cv::Rect insidePicture(const cv::Rect& region, const cv::Size& image) {
     const auto clip = [](std::int64_t value, int limit) {
         return static_cast<int>(std::clamp<std::int64_t>(value, 0, limit));
@@ -50,13 +50,38 @@ cv::Rect insidePicture(const cv::Rect& region, const cv::Size& image) {
 
 }  // namespace
 
+UsableArea wholePicture(const cv::Size& image) {
+    return {0.0F, static_cast<float>(image.width), 0.0F, static_cast<float>(image.height)};
+}
+
+UsableArea pictureWithoutSides(const cv::Size& image, float margin) {
+    UsableArea area = wholePicture(image);
+    area.left = static_cast<float>(truncateToInt(margin));
+    area.right = static_cast<float>(truncateToInt(area.right - margin));
+    return area;
+}
+
+float sideMarginPixels(int cameraType, float fx, float offset, float height) {
+    return static_cast<float>(cameraType) * fx / (offset - height) * 1.3F;
+}
+
+bool isInside(const cv::Point2f& corner, const UsableArea& area) {
+    return corner.x >= area.left && corner.x <= area.right && corner.y >= area.top && corner.y <= area.bottom;
+}
+
+bool allInside(const std::vector<cv::Point2f>& corners, const UsableArea& area) {
+    return std::all_of(corners.begin(), corners.end(),
+                       [&area](const cv::Point2f& corner) { return isInside(corner, area); });
+}
+
 bool topFaceMeetsRegion(const std::array<cv::Point2f, 4>& topFace, const cv::Rect& region, const cv::Size& image) {
     if (image.width <= 0 || image.height <= 0) {
         return false;
     }
     Polygon polygon = drawnPolygon(topFace);
-    // The polygon's part of the picture, drawn alone, has the pixels of the whole picture: its outline is clipped only
-    // where it leaves the picture, at the same edges, and everything else moves by whole pixels.
+    // Only the polygon's part of the picture is drawn. Its pixels are the same as in a drawing of the whole picture:
+    // the outline is clipped only where it leaves the picture, at the same edges, and all positions are shifted by
+    // whole pixels.
     const cv::Rect canvas = cv::boundingRect(polygon) & cv::Rect(cv::Point(0, 0), image);
     const cv::Rect wanted = insidePicture(region, image) & canvas;
     if (wanted.empty() || !isFrameSize(canvas.width, canvas.height)) {

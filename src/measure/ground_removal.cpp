@@ -3,8 +3,12 @@
 
 namespace quorvel::internal {
 
+float groundDepth(float weight, float offset) {
+    return (1.0F - weight) * offset;
+}
+
 void removeGround(cv::Mat& depth, float weight, float offset) {
-    const float threshold = (1.0F - weight) * offset;
+    const float threshold = groundDepth(weight, offset);
     for (int row = 0; row < depth.rows; ++row) {
         auto* depths = depth.ptr<ushort>(row);
         for (int column = 0; column < depth.cols; ++column) {

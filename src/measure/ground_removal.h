@@ -5,7 +5,12 @@
 
 namespace quorvel::internal {
 
-/// Sets every depth beyond (1 - weight) * offset to 0: what lies that far along the optical axis counts as ground.
+/// \return the greatest depth that does not count as ground: (1 - weight) * offset, mm
+/// \param weight fraction of the plane's distance
+/// \param offset the plane's distance, mm
+float groundDepth(float weight, float offset);
+
+/// Sets every depth beyond (1 - weight) * offset to 0: such a pixel is taken for the ground.
 /// \param[in,out] depth CV_16UC1, mm
 /// \param weight fraction of the plane's distance
 /// \param offset the plane's distance, mm

@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "calib/plane_model.h"
-#include "common/bit_image.h"
+#include "geometry/plane_model.h"
+#include "geometry/vec3.h"
+#include "image/bit_image.h"
 #include "measure/height_cut_loops.h"
-#include "measure/points.h"
 
 namespace quorvel::internal {
 
@@ -21,11 +21,12 @@ bool isHigh(const cv::Vec3f& point, const cv::Vec3f& normal, float offset, float
 
 }  // namespace
 
-int cutAboveReferencePlane(cv::Mat& depth, const cv::Mat& cloud, const cv::Vec3f& normal, float offset, float minHeight,
-                           cv::Mat& mask) {
+std::optional<int> cutAboveReferencePlane(cv::Mat& depth, const cv::Mat& cloud, const cv::Vec3f& normal, float offset,
+                                          float minHeight, cv::Mat& mask) {
     if (!hasPlane(normal)) {
-        return 1;
+        return std::nullopt;
     }
+    int marked = 0;
     const auto words = static_cast<std::size_t>(wordsFor(cloud.cols));
     std::vector<std::uint64_t> bits(2 * words);
     std::uint64_t* const high = bits.data();
@@ -41,11 +42,12 @@ int cutAboveReferencePlane(cv::Mat& depth, const cv::Mat& cloud, const cv::Vec3f
             const bool inDoubt = (doubt[column / kWordBits] >> (column % kWordBits) & 1U) != 0;
             const bool candidate = inDoubt ? isHigh(points[column], normal, offset, minHeight)
                                            : (high[column / kWordBits] >> (column % kWordBits) & 1U) != 0;
+            marked += candidate ? 1 : 0;
             marks[column] = candidate ? 255 : marks[column];
             depths[column] = candidate ? depths[column] : ushort{0};
         }
     }
-    return 0;
+    return marked;
 }
 
 }  // namespace quorvel::internal

@@ -1,19 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <optional>
+
 #include <opencv2/core.hpp>
 
 namespace quorvel::internal {
 
 /// Marks the pixels whose points stand at least a minimum height above the plane and blanks the depth everywhere
 /// else.
-/// \param[in,out] depth CV_16UC1, mm; set to 0 at every pixel that is not marked
+/// \param[in,out] depth CV_16UC1, mm; set to 0 at every pixel that does not get a mark
 /// \param cloud CV_32FC3 of the same size, mm; a point shorter than 1e-9 is no point
 /// \param normal,offset the plane; the normal is used as given
 /// \param minHeight mm; a point exactly that high is marked, and so is one whose distance is NaN
 /// \param[in,out] mask CV_8UC1 of the same size, all 0 on entry; set to 255 at the marked pixels
-/// \return 0, or 1 without a plane (normal (0, 0, 0)), with both images untouched
-int cutAboveReferencePlane(cv::Mat& depth, const cv::Mat& cloud, const cv::Vec3f& normal, float offset, float minHeight,
-                           cv::Mat& mask);
+/// \return the number of marked pixels; nothing without a plane (normal (0, 0, 0)), with both images untouched
+std::optional<int> cutAboveReferencePlane(cv::Mat& depth, const cv::Mat& cloud, const cv::Vec3f& normal, float offset,
+                                          float minHeight, cv::Mat& mask);
 
 }  // namespace quorvel::internal

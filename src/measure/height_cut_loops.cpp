@@ -12,7 +12,7 @@ void findHigh(const float* points, int count, Direction direction, float offset,
     const Points normal = allOf(direction);
     for (int column = 0; column < count; column += kLanes) {
         const Points p = loadSome(points + 3 * column, count - column);
-        // Not "at most -minHeight": a NaN distance stays a candidate.
+        // "Not above" instead of "at most": a pixel with a NaN distance stays a candidate.
         const Mask isHigh = ~(signedDistance(p, normal, all(offset)) > all(-minHeight));
         const Mask valid = isSurelyValid(p);
         putBits(high, column, laneBits(valid & isHigh));

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "common/loop_variant.h"
-#include "measure/direction.h"
+#include "simd/direction.h"
+#include "simd/loop_variant.h"
 
 namespace quorvel::internal {
 
@@ -15,7 +15,8 @@ struct HeightCutLoops {
     /// \param normal,offset the plane
     /// \param minHeight mm
     /// \param[out] high one bit a pixel, as in BitImage: the point is at least minHeight above the plane; 0 on entry
-    /// \param[out] doubt the point is so near the camera that its length has to be taken; 0 on entry
+    /// \param[out] doubt one bit a pixel: the point is so near the camera that its exact length decides whether it is a
+    ///             point; 0 on entry
     void (*findHigh)(const float* points, int count, Direction normal, float offset, float minHeight,
                      std::uint64_t* high, std::uint64_t* doubt);
 };

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <optional>
+
 #include <opencv2/core.hpp>
 
-#include <quorvel/quorvel.h>
-
-#include "calib/plane_model.h"
-#include "measure/box_geometry.h"
-#include "measure/stage_times.h"
+#include "geometry/camera.h"
+#include "geometry/plane_model.h"
+#include "measure/account.h"
 
 namespace quorvel::internal {
 
@@ -24,13 +24,13 @@ enum class FootprintVariant { General, WithoutMargin };
 /// What a measurement needs to know besides the frame.
 struct MeasureSettings {
     Plane plane;
-    float minHeight = 0.0F;  ///< mm
-    int minPixels = 0;       ///< small-image pixels
-    Projection camera;       ///< full size
-    int downScale = 0;
-    bool cameraTypeSet = false;
-    int cameraType = 0;  ///< mm
-    cv::Rect effectiveRegion;
+    float filterWeight = 0.0F;    ///< of the ground cut: fraction of the plane's distance
+    float minHeight = 0.0F;       ///< mm
+    int minPixels = 0;            ///< small-image pixels
+    Projection camera;            ///< full size
+    int downScale = 0;            ///< factor between full and small images
+    std::optional<int> sideBand;  ///< width of the band that is kept clear at the left and right edge, mm
+    cv::Rect detectionArea;       ///< full-size pixels
     FootprintVariant variant = FootprintVariant::General;
 };
 
@@ -38,12 +38,18 @@ struct MeasureSettings {
 ///         own, all of them within the limits of isFrameSize()
 bool imagesFit(const FrameImages& frame, const cv::Size& fullSize);
 
+/// \return an account of a measurement that has not begun: what it is measured with, and an outcome that says why not
+MeasureAccount accountWithoutSearch(Outcome outcome, const MeasureSettings& settings);
+
+/// Measures one frame: removes the ground, then as measureObject.
+/// \param frame images as they were taken in
+/// \param fullSize size of the full images, pixels; images that do not fit end with NoFrame and stay untouched
+MeasureAccount measureFrame(const FrameImages& frame, const cv::Size& fullSize, const MeasureSettings& settings,
+                            const AccountDetail& detail = {});
+
 /// Measures the object in one frame: height cut, object component, mask and cloud, surface filter, footprint.
 /// \param frame images that fit together, ground already removed from the small depth
-/// \param[out] result the record; untouched on failure
-/// \param[out] times of the stages that ran; may be null
-/// \return 0, or 1 without a plane, with one that cannot be measured from (planeProblem), or without an object
-int measureObject(const FrameImages& frame, const MeasureSettings& settings, MeasureResult& result,
-                  StageTimes* times = nullptr);
+MeasureAccount measureObject(const FrameImages& frame, const MeasureSettings& settings,
+                             const AccountDetail& detail = {});
 
 }  // namespace quorvel::internal

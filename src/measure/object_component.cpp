@@ -5,15 +5,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <iostream>
 #include <limits>
 #include <optional>
 #include <vector>
 
 #include <opencv2/imgproc.hpp>
 
-#include "common/bit_image.h"
-#include "common/scratch.h"
+#include "image/bit_image.h"
+#include "image/scratch.h"
 #include "measure/object_component_loops.h"
 #include "measure/object_window.h"
 #include "measure/wrapped_labels.h"
@@ -27,12 +26,12 @@ struct Run {
     int row = 0;
     int first = 0;
     int end = 0;               ///< column behind the last
-    std::size_t region = 0;    ///< an earlier run of the same region, or itself: the region's first run in the end
+    std::size_t region = 0;    ///< an earlier run of the region, or this run; at the end the region's first run
     int pixels = 0;            ///< of the region, at its first run
     float distanceSum = 0.0F;  ///< of the region, at its first run
 };
 
-struct Workspace {
+struct ComponentWorkspace {
     std::vector<std::uint64_t> bits;
     std::vector<float> distances;
     std::vector<Run> runs;
@@ -83,7 +82,7 @@ void joinRows(std::vector<Run>& runs, std::size_t above, std::size_t row, std::s
 
 /// Finds the runs in row-major order and joins those that touch. A region is named by its first run, which holds its
 /// first pixel: regions ordered by name are in the order in which a row-major scan meets them.
-void findRegions(const cv::Mat& depth, Workspace& scratch) {
+void findRegions(const cv::Mat& depth, ComponentWorkspace& scratch) {
     std::vector<Run>& runs = scratch.runs;
     runs.clear();
     std::size_t above = 0;
@@ -106,7 +105,7 @@ void findRegions(const cv::Mat& depth, Workspace& scratch) {
 }
 
 /// Adds up the distances from the middle for every large enough region: in float, pixel by pixel in row-major order.
-void measureRegions(const cv::Size& image, int minPixels, Workspace& scratch) {
+void measureRegions(const cv::Size& image, int minPixels, ComponentWorkspace& scratch) {
     const cv::Point middle(image.width / 2, image.height / 2);
     std::vector<Run>& runs = scratch.runs;
     scratch.distances.resize(static_cast<std::size_t>(wordsFor(image.width)) * kWordBits);
@@ -129,7 +128,7 @@ void measureRegions(const cv::Size& image, int minPixels, Workspace& scratch) {
 }
 
 /// \return the large enough region nearest the middle, the first one on a tie
-std::optional<std::size_t> nearestRegion(const cv::Size& image, int minPixels, Workspace& scratch) {
+std::optional<std::size_t> nearestRegion(const cv::Size& image, int minPixels, ComponentWorkspace& scratch) {
     const std::vector<Run>& runs = scratch.runs;
     measureRegions(image, minPixels, scratch);
     float bestScore = std::numeric_limits<float>::max();
@@ -170,37 +169,61 @@ void keepRegion(const std::vector<Run>& runs, std::size_t region, cv::Mat& mask)
 void openMask(cv::Mat mask) {
     const cv::Point centre(-1, -1);
     const cv::Scalar outside(0);
-    // Isolated: the pixels around a mask that is a window of a larger image count as outside too.
+    // Isolated: when the mask is a window of a larger image, the pixels around the window are not read.
     constexpr int kBorder = cv::BORDER_CONSTANT | cv::BORDER_ISOLATED;
     cv::erode(mask, mask, cv::Mat(), centre, 1, kBorder, outside);
     cv::dilate(mask, mask, cv::Mat(), centre, 1, kBorder, outside);
 }
 
+/// Counts the candidates and their regions.
+ComponentChoice describeRegions(const std::vector<Run>& runs, bool withSizes) {
+    ComponentChoice choice;
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        if (runs[i].region != i) {
+            continue;
+        }
+        choice.candidates += runs[i].pixels;
+        ++choice.regions;
+        choice.largest = std::max(choice.largest, runs[i].pixels);
+        if (withSizes) {
+            choice.sizes.push_back(runs[i].pixels);
+        }
+    }
+    return choice;
+}
+
 /// Keeps the nearest region in the mask, if there is one.
-bool keepNearestRegion(const cv::Mat& depth, int minPixels, cv::Mat& mask) {
-    const Borrowed<Workspace> borrowed;
-    Workspace& scratch = *borrowed;
+ComponentChoice keepNearestRegion(const cv::Mat& depth, int minPixels, bool withSizes, cv::Mat& mask) {
+    const Borrowed<ComponentWorkspace> borrowed;
+    ComponentWorkspace& scratch = *borrowed;
     findRegions(depth, scratch);
+    ComponentChoice choice = describeRegions(scratch.runs, withSizes);
     if (scratch.runs.size() > kMostLabelledRuns) {
-        return keepNearestWrappedRegion(depth, minPixels, mask);
+        const int pixels = keepNearestWrappedRegion(depth, minPixels, mask);
+        choice.chosen = pixels > 0 ? std::optional<Region>({pixels, {}}) : std::nullopt;
+        return choice;
     }
     const std::optional<std::size_t> best = nearestRegion(depth.size(), minPixels, scratch);
     if (best) {
         keepRegion(scratch.runs, *best, mask);
+        choice.chosen = Region{scratch.runs[*best].pixels, {}};
     }
-    return best.has_value();
+    return choice;
 }
 
 }  // namespace
 
-int selectObjectComponent(const cv::Mat& depth, int minPixels, cv::Mat& mask) {
-    if (depth.empty() || !keepNearestRegion(depth, minPixels, mask)) {
-        std::cout << "No object found." << std::endl;
-        return 1;
+ComponentChoice selectObjectComponent(const cv::Mat& depth, int minPixels, cv::Mat& mask, bool withSizes) {
+    if (depth.empty()) {
+        return {};
     }
-    // Everything outside the region is 0 already, so its bounding rectangle is all that the opening can change.
-    openMask(mask(withMargin(maskBounds(mask), mask.size())));
-    return 0;
+    ComponentChoice choice = keepNearestRegion(depth, minPixels, withSizes, mask);
+    if (choice.chosen) {
+        choice.chosen->bounds = maskBounds(mask);
+        // The mask is 0 outside the region, so the opening can change pixels only in the region's bounding rectangle.
+        openMask(mask(withMargin(choice.chosen->bounds, mask.size())));
+    }
+    return choice;
 }
 
 }  // namespace quorvel::internal

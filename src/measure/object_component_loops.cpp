@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "measure/object_component_loops.h"
 
-#include "common/lanes.h"
+#include "simd/lanes.h"
 
 namespace quorvel::internal::QUORVEL_VARIANT {
 
@@ -21,7 +21,7 @@ void measureDistances(int middle, int dy, int count, float* distances) {
     const Floats rows = all(static_cast<float>(dy));
     for (int column = 0; column < count; column += kLanes) {
         const Floats columns = all(static_cast<float>(column - middle)) + laneNumbers();
-        // Whole numbers: their floats are exact, and a third square of 0 changes no bit of the sum.
+        // Whole numbers are exact as floats, and adding 0 as the third square changes no bit of the sum.
         store(distances + column, lengthInDouble(columns, rows, all(0.0F)));
     }
 }

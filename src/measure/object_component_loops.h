@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "common/loop_variant.h"
+#include "simd/loop_variant.h"
 
 namespace quorvel::internal {
 

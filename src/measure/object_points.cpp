@@ -5,23 +5,24 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <functional>
 #include <limits>
 
-#include "common/bit_image.h"
-#include "common/scratch.h"
+#include "geometry/selection.h"
+#include "geometry/vec3.h"
+#include "image/bit_image.h"
+#include "image/scratch.h"
 #include "measure/object_points_loops.h"
-#include "measure/points.h"
 
 namespace quorvel::internal {
 
 namespace {
 
-/// Coordinates up to here (mm) leave the hull's cross products within 31 bits. Footprints that reach beyond keep all
-/// points: whatever such points make of the hull, they make of it.
+/// With coordinates up to here (mm) the cross products of the convex hull fit into 31 bits. When a point lies farther
+/// out, no point is left out of the outline: the hull may then overflow, and has to do so in the same way as the hull
+/// of all points.
 constexpr int kFarthest = 16000;
 
-struct Workspace {
+struct PointsWorkspace {
     BitImage valid;
     GrowingBuffer<float> heights;
     GrowingBuffer<std::int32_t> feet;
@@ -32,11 +33,7 @@ struct QuantileScratch {
     GrowingBuffer<float> heights;
 };
 
-Direction direction(const cv::Vec3f& v) {
-    return {v[0], v[1], v[2]};
-}
-
-void findValidPoints(const cv::Mat& cloud, Workspace& scratch) {
+void findValidPoints(const cv::Mat& cloud, PointsWorkspace& scratch) {
     scratch.valid.reset(cloud.rows, cloud.cols);
     const int words = scratch.valid.wordsPerRow();
     std::uint64_t* doubt = scratch.bits.atLeast(static_cast<std::size_t>(words));
@@ -47,7 +44,7 @@ void findValidPoints(const cv::Mat& cloud, Workspace& scratch) {
         for (int word = 0; word < words; ++word) {
             forEachSetBit(doubt[word], [&](int bit) {
                 if (isValidPoint(cloud.ptr<cv::Vec3f>(row)[word * kWordBits + bit])) {
-                    valid[word] |= std::uint64_t{1} << bit;
+                    valid[word] |= bitOf(bit);
                 }
             });
         }
@@ -72,7 +69,7 @@ int lastColumn(const BitImage& image, int row) {
     return -1;
 }
 
-/// The foot of one point, as a row of them.
+/// The foot of one point on the plane, computed by the loop for rows so that it has the same bits.
 cv::Point footOf(const cv::Vec3f& point, const PlaneFrame& plane) {
     std::array<float, kWordBits> height{};
     std::array<std::int32_t, kWordBits> u{};
@@ -82,7 +79,13 @@ cv::Point footOf(const cv::Vec3f& point, const PlaneFrame& plane) {
     return {u[0], v[0]};
 }
 
-/// The points that reach farthest in eight directions, counter-clockwise, among the first and last points of the rows.
+/// The corners of an octagon: of the first and the last point of every row, those that reach farthest in eight
+/// directions, counter-clockwise. Points inside the octagon cannot be corners of the convex hull.
+///
+/// Example: 5 x 5 feet at (0, 0) ... (4, 4). The first and the last points of the rows have u = 0 or u = 4. Farthest to
+/// the right is (4, 0), to the lower right (4, 4), downwards (0, 4), and so on: of the eight corners only (4, 0),
+/// (4, 4), (0, 4) and (0, 0) are different, so the octagon is a square here. The 3 x 3 feet inside are left out, and
+/// the 16 feet on its edges are the outline. Of a box of 55000 points about 900 are left.
 /// \return nothing when a point lies too far away
 std::vector<cv::Point> extremePoints(const cv::Mat& cloud, const BitImage& valid, const PlaneFrame& plane) {
     static const std::array<cv::Point, InnerPolygon::kEdges> kDirections{
@@ -110,13 +113,13 @@ std::vector<cv::Point> extremePoints(const cv::Mat& cloud, const BitImage& valid
     return extremes;
 }
 
-/// The polygon with these corners, smaller by more than the rounding of the edge tests in float: their products and
-/// sums are off by less than 2^-22 of the largest value that they can have.
+/// The polygon with these corners, made a little smaller. The edge tests in float are off by less than 2^-22 of the
+/// largest value that they can have; the margin is larger than that, so no point on an edge counts as inside.
 InnerPolygon polygonOf(const std::vector<cv::Point>& corners) {
     InnerPolygon polygon;
     // cppcheck-suppress containerOutOfBounds; the sum is begin() for no corners
     if (std::equal(corners.begin() + (corners.empty() ? 0 : 1), corners.end(), corners.begin())) {
-        return polygon;  // all of them are one point
+        return polygon;  // all corners are the same point
     }
     for (std::size_t k = 0; k < corners.size(); ++k) {
         const cv::Point& from = corners[k];
@@ -126,14 +129,14 @@ InnerPolygon polygonOf(const std::vector<cv::Point>& corners) {
         const double margin = (std::fabs(a) + std::fabs(b)) * kFarthest * 0x1p-20;
         polygon.a[k] = static_cast<float>(a);
         polygon.b[k] = static_cast<float>(b);
-        // Equal corners make no edge: 0 > -1 holds everywhere.
+        // Two equal corners have no edge between them. Its test becomes 0 > -1, which every point passes.
         polygon.c[k] = edge == cv::Point() ? -1.0F : static_cast<float>(a * from.x + b * from.y + margin);
         polygon.farthest = kFarthest;
     }
     return polygon;
 }
 
-/// Takes over a row's largest distance if it is larger than those before.
+/// Keeps the distance of the row's farthest point if that point is farther away than all points before.
 void keepLargest(const cv::Vec3f* points, const float* heights, const std::uint64_t* valid, int words,
                  const PlaneFrame& plane, float& largest) {
     for (int word = 0; word < words; ++word) {
@@ -148,8 +151,8 @@ void keepLargest(const cv::Vec3f* points, const float* heights, const std::uint6
 }
 
 /// Projects every valid point.
-/// \return whether every point of the outline is near enough for the polygon to have chosen rightly
-bool projectPoints(const cv::Mat& cloud, const PlaneFrame& plane, const InnerPolygon& polygon, Workspace& scratch,
+/// \return whether every point of the outline is within kFarthest; only then the outline has the hull of all points
+bool projectPoints(const cv::Mat& cloud, const PlaneFrame& plane, const InnerPolygon& polygon, PointsWorkspace& scratch,
                    ObjectPoints& object) {
     const int words = scratch.valid.wordsPerRow();
     const std::size_t room = static_cast<std::size_t>(words) * kWordBits;
@@ -182,8 +185,8 @@ bool projectPoints(const cv::Mat& cloud, const PlaneFrame& plane, const InnerPol
     });
 }
 
-/// A height that some more than the last `wanted` of the ascending heights reach, judging by a sample; 0, which all
-/// reach, when the sample is too small to tell.
+/// Guesses, from a sample, a height that somewhat more than `wanted` of the heights reach.
+/// \return the height; 0, which all heights reach, when there are too few heights for a sample
 float guessBound(const float* heights, std::size_t count, std::size_t wanted) {
     constexpr std::size_t kSample = 1024;
     std::array<float, kSample> sample{};
@@ -195,14 +198,11 @@ float guessBound(const float* heights, std::size_t count, std::size_t wanted) {
         const float height = heights[i * step];
         sample[i] = std::isnan(height) ? 0.0F : height;
     }
-    // Of as many as are expected among the sample, four standard deviations more.
-    const double expected = static_cast<double>(wanted) * kSample / static_cast<double>(count);
-    const auto rank = static_cast<std::size_t>(expected + 4.0 * std::sqrt(expected) + 4.0);
-    std::nth_element(sample.begin(), sample.begin() + rank, sample.end(), std::greater<>());
-    return sample[rank];
+    constexpr double kDeviations = 4.0;
+    return boundFromSample(sample.data(), kSample, count, wanted, kDeviations).value_or(0.0F);
 }
 
-/// NaN has no place in an order; sorted to the end it cannot upset the selection among the numbers.
+/// The quantile when some heights are NaN. NaN cannot be ordered, so these heights are moved to the end first.
 float quantileAmongOddHeights(const float* heights, std::size_t count, std::size_t index) {
     std::vector<float> sorted(heights, heights + count);
     const auto numbersEnd =
@@ -220,8 +220,8 @@ float quantileAmongOddHeights(const float* heights, std::size_t count, std::size
 void collectObjectPoints(const cv::Mat& cloud, const cv::Vec3f& normal, float offset, const PlaneBasis& basis,
                          ObjectPoints& object) {
     const PlaneFrame plane{direction(normal), offset, direction(basis.e1), direction(basis.e2)};
-    const Borrowed<Workspace> borrowed;
-    Workspace& scratch = *borrowed;
+    const Borrowed<PointsWorkspace> borrowed;
+    PointsWorkspace& scratch = *borrowed;
     findValidPoints(cloud, scratch);
     const InnerPolygon polygon = polygonOf(extremePoints(cloud, scratch.valid, plane));
     if (!projectPoints(cloud, plane, polygon, scratch, object)) {
@@ -229,8 +229,8 @@ void collectObjectPoints(const cv::Mat& cloud, const cv::Vec3f& normal, float of
     }
 }
 
-// Only the few heights beyond a guess are put in order, all of them when the guess was too high: for 50000 heights 0.01
-// instead of 0.4 ms.
+// Only the few heights above a guessed bound are put in order. When the guess was too high, all heights are. For 50000
+// heights this takes 0.01 instead of 0.4 ms.
 float heightQuantile(const float* heights, std::size_t count) {
     constexpr double kQuantile = 0.99;
     const auto index = static_cast<std::size_t>(static_cast<double>(count) * kQuantile);

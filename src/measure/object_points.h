@@ -6,12 +6,12 @@
 
 #include <opencv2/core.hpp>
 
-#include "common/growing_buffer.h"
-#include "measure/plane_basis.h"
+#include "geometry/plane_basis.h"
+#include "image/scratch.h"
 
 namespace quorvel::internal {
 
-/// What the footprint needs of an object's points. Kept from object to object for its storage.
+/// What the footprint needs of an object's points. One value is used for many objects, so that its storage is kept.
 struct ObjectPoints {
     GrowingBuffer<float> heights;  ///< distance of every point from the plane, in row-major order, mm
     std::size_t count = 0;         ///< of the heights
@@ -23,10 +23,9 @@ struct ObjectPoints {
 
 /// Collects the valid points of a cloud.
 ///
-/// Points that lie inside a polygon of other points are left out of the outline: they are no corners of the hull, nor
-/// on its edge, so that the hull of the outline is the hull of all, its corners in the same order. The polygon has its
-/// corners among the ends of the rows, where they are extreme in eight directions: of a box of 55000 points about 900
-/// are left, and the minimum-area rectangle of those takes 0.02 ms.
+/// Points inside an octagon of other points are left out of the outline. They are neither corners of the convex hull
+/// nor on its edges, so the hull of the outline is the hull of all points, with its corners in the same order. Of a box
+/// of 55000 points about 900 are left, and their minimum-area rectangle takes 0.02 ms.
 /// \param cloud CV_32FC3, mm
 /// \param[in,out] object replaced
 void collectObjectPoints(const cv::Mat& cloud, const cv::Vec3f& normal, float offset, const PlaneBasis& basis,

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "common/loop_variant.h"
-#include "measure/direction.h"
+#include "simd/direction.h"
+#include "simd/loop_variant.h"
 
 namespace quorvel::internal {
 
@@ -15,7 +15,7 @@ struct InnerPolygon {
     float a[kEdges] = {};
     float b[kEdges] = {};
     float c[kEdges] = {};
-    float farthest = -1.0F;  ///< nothing is inside
+    float farthest = -1.0F;  ///< mm; with -1 no point is inside
 };
 
 /// A plane with the two directions in which footprints are measured.
@@ -38,8 +38,8 @@ struct ProjectedRow {
 struct ObjectPointsLoops {
     /// Finds the points of a row.
     /// \param points `count` points (x, y, z), mm
-    /// \param[out] valid bits of the points that are longer than 1e-9 mm without doubt; 0 on entry
-    /// \param[out] doubt bits of those whose length has to be taken; 0 on entry
+    /// \param[out] valid bits of the points that are certainly longer than 1e-9 mm; 0 on entry
+    /// \param[out] doubt bits of the points whose exact length decides; 0 on entry
     void (*findPoints)(const float* points, int count, std::uint64_t* valid, std::uint64_t* doubt);
 
     /// Projects a row onto the plane.

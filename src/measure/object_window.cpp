@@ -6,7 +6,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "common/scratch.h"
+#include "image/scratch.h"
 
 namespace quorvel::internal {
 
@@ -24,8 +24,8 @@ void clearPoints(cv::Mat& cloud, int row, int first, int end) {
                 kFloats * static_cast<std::size_t>(end - first) * sizeof(float));
 }
 
-/// Clears the points of a row of the cloud outside the runs of 255 in a row of the mask, of which each pixel covers
-/// `scale` pixels of the cloud.
+/// Clears the points of one row of the cloud that lie outside the runs of 255 in a row of the mask. A pixel of the mask
+/// covers `scale` pixels of the row.
 void clearOutsideRuns(const uchar* marks, const cv::Range& columns, int scale, cv::Mat& cloud, int row) {
     int done = 0;
     for (int column = columns.start; column < columns.end; ++column) {
@@ -41,8 +41,8 @@ void clearOutsideRuns(const uchar* marks, const cv::Range& columns, int scale, c
     clearPoints(cloud, row, done, cloud.cols);
 }
 
-/// The factor between the two sizes when it is a power of two and the same in both directions, otherwise 0. The area
-/// interpolation then works with exact numbers and repeats each pixel of the mask.
+/// The factor between the two sizes when it is a power of two and the same in both directions, otherwise 0. For such a
+/// factor the area interpolation computes exactly and just repeats each pixel of the mask.
 int exactScale(const cv::Size& small, const cv::Size& full) {
     for (int scale = 1; scale <= full.width && scale <= full.height; scale *= 2) {
         if (full.width % scale == 0 && full.height % scale == 0 && full / scale == small) {
@@ -52,7 +52,7 @@ int exactScale(const cv::Size& small, const cv::Size& full) {
     return 0;
 }
 
-/// Clears with a mask that covers `scale` x `scale` points a pixel.
+/// Clears the cloud with a mask of which each pixel covers `scale` x `scale` points.
 cv::Rect isolate(const cv::Mat& mask, int scale, cv::Mat& cloud) {
     const cv::Rect bounds = maskBounds(mask);
     for (int row = 0; row < cloud.rows; ++row) {

@@ -13,14 +13,14 @@ cv::Rect maskBounds(const cv::Mat& mask);
 ///         pixel of the image
 cv::Rect withMargin(const cv::Rect& rectangle, const cv::Size& image);
 
-/// Brings the object's mask to full size, clears every point of the cloud that does not lie wholly in it, and tells
-/// where the rest of the points are.
+/// Scales the object's mask up to full size, clears every point of the cloud that does not lie wholly in it, and
+/// returns where the remaining points are.
 ///
 /// The mask grows by area interpolation, which leaves 255 only where a pixel lies wholly in the object.
 /// \param mask CV_8UC1, small size
 /// \param[in,out] cloud CV_32FC3, full size, mm
-/// \return a rectangle of the cloud with all points that are left, and where the image allows with a margin of one
-///         pixel without points: stages that look at a point's neighbours find in it all there are
+/// \return a rectangle of the cloud that holds all points that are left and, inside the image, a margin of one pixel
+///         without points. So it also holds all neighbours of these points.
 cv::Rect isolateObject(const cv::Mat& mask, cv::Mat& cloud);
 
 }  // namespace quorvel::internal

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-// Points side by side, for the pixel loops; see common/lanes.h.
+// Points side by side, for the pixel loops; see simd/lanes.h.
 #pragma once
 
-#include "common/lanes.h"
-#include "measure/direction.h"
+#include "simd/direction.h"
+#include "simd/lanes.h"
 
 namespace quorvel::internal::QUORVEL_VARIANT {
 
-namespace {  // NOLINT(cert-dcl59-cpp): see common/lanes.h
+namespace {  // NOLINT(cert-dcl59-cpp): see simd/lanes.h
 
-/// A point with a coordinate of this size (mm) is longer than the 1e-9 mm below which it is no point, whatever the
-/// rounding of its length.
+/// An entry shorter than 1e-9 mm is not a point. With a coordinate of at least this size (mm) an entry is longer than
+/// that, also after the rounding of its length.
 constexpr float kSurelyAPoint = 1e-8F;  // NOLINT(misc-definitions-in-headers)
 
 using Points = Vectors;
@@ -36,7 +36,7 @@ using Points = Vectors;
     return anyBits(anyBits(p.x, p.y), p.z) != all(0.0F);
 }
 
-/// Whether the point is a point without doubt; where it is not, it may be one if it is present.
+/// Whether the entry is certainly a point. For another entry that is present its exact length decides.
 [[maybe_unused]] inline Mask isSurelyValid(const Points& p) {
     const Floats limit = all(kSurelyAPoint);
     return (absolute(p.x) >= limit) | (absolute(p.y) >= limit) | (absolute(p.z) >= limit);

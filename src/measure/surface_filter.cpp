@@ -9,9 +9,9 @@
 #include <limits>
 #include <utility>
 
-#include "common/bit_image.h"
-#include "common/growing_buffer.h"
-#include "common/scratch.h"
+#include "geometry/vec3.h"
+#include "image/bit_image.h"
+#include "image/scratch.h"
 #include "measure/surface_filter_loops.h"
 
 namespace quorvel::internal {
@@ -20,10 +20,10 @@ namespace {
 
 constexpr auto kSteepCosine = static_cast<double>(0.8F);
 constexpr float kOutlierDeviations = 4.5F;
-/// Below this mean height (mm) the outlier test is off: the sensor's noise is of the object's own size there.
+/// Below this mean height (mm) the outlier test is off, because the sensor's noise is about as large as the object.
 constexpr float kLowObjectHeight = 10.0F;
 
-struct Workspace {
+struct FilterWorkspace {
     BitImage present;
     BitImage steep;
     BitImage accepted;  ///< after the first pass
@@ -41,24 +41,16 @@ struct AcceptedHeights {
     float mean = 0.0F;  ///< of all interior points, accepted or not, mm
 };
 
-Direction normalized(const cv::Vec3f& normal) {
-    const double x = normal[0];
-    const double y = normal[1];
-    const double z = normal[2];
-    const double length = std::sqrt(x * x + y * y + z * z);
-    return {static_cast<float>(x / length), static_cast<float>(y / length), static_cast<float>(z / length)};
-}
-
 bool isUnit(const Direction& normal) {
     constexpr float kAboutOne = 1.001F;
     return std::fabs(normal.x) < kAboutOne && std::fabs(normal.y) < kAboutOne && std::fabs(normal.z) < kAboutOne;
 }
 
-/// The row pair under comparison: planes and heights of two rows, and the bits of one comparison.
+/// Two neighbouring rows that are compared: coordinates and heights of both, and the bits of the comparison.
 class RowPair {
 public:
-    RowPair(Workspace& scratch, int columns) : words_(wordsFor(columns)) {
-        // Room for one value before a row, and after it up to a whole word and a widest register.
+    RowPair(FilterWorkspace& scratch, int columns) : words_(wordsFor(columns)) {
+        // Room for one value before a row, and after it up to the end of its last word plus one widest register.
         constexpr std::size_t kBefore = 16;
         const std::size_t stride = kBefore + static_cast<std::size_t>(words_) * kWordBits + kBefore;
         float* next = scratch.planes.atLeast(8 * stride) + kBefore;
@@ -90,30 +82,14 @@ private:
     int words_;
 };
 
-/// The word whose bit c is bit c - 1 of the row: what each pixel's left neighbour has.
-std::uint64_t fromLeft(const std::uint64_t* row, int word) {
-    return row[word] << 1 | (word > 0 ? row[word - 1] >> (kWordBits - 1) : 0U);
-}
-
-/// The word whose bit c is bit c + 1 of the row: what each pixel's right neighbour has.
-std::uint64_t fromRight(const std::uint64_t* row, int word, int words) {
-    return row[word] >> 1 | (word + 1 < words ? row[word + 1] << (kWordBits - 1) : 0U);
-}
-
 /// Whether p lies below q, in a direction within about 37 degrees of the normal.
 bool isSteep(const cv::Vec3f& p, const cv::Vec3f& q, const Direction& normal) {
-    const double dx = static_cast<double>(p[0]) - q[0];
-    const double dy = static_cast<double>(p[1]) - q[1];
-    const double dz = static_cast<double>(p[2]) - q[2];
-    const double length = std::sqrt(dx * dx + dy * dy + dz * dz);
-    return dx / length * normal.x + dy / length * normal.y + dz / length * normal.z > kSteepCosine;
+    const cv::Vec3d way = cv::Vec3d(p) - cv::Vec3d(q);
+    const double length = lengthOf(way);
+    return way[0] / length * normal.x + way[1] / length * normal.y + way[2] / length * normal.z > kSteepCosine;
 }
 
-void setBit(std::uint64_t* row, int column) {
-    row[column / kWordBits] |= std::uint64_t{1} << (column % kWordBits);
-}
-
-/// Compares a pixel with its right and its three lower neighbours in double, both ways.
+/// Compares a pixel with its right and its three lower neighbours in double, in both directions.
 void compareExactly(const cv::Mat& cloud, const cv::Point& pixel, const Direction& normal, BitImage& steep) {
     static const std::array<cv::Point, 4> kSteps{cv::Point(1, 0), cv::Point(-1, 1), cv::Point(0, 1), cv::Point(1, 1)};
     const auto& p = cloud.at<cv::Vec3f>(pixel);
@@ -132,7 +108,7 @@ void compareExactly(const cv::Mat& cloud, const cv::Point& pixel, const Directio
     }
 }
 
-/// Brings the comparisons of a row with itself and the next one into the image of steep points.
+/// Enters the comparisons of a row with itself and with the next row into the image of steep points.
 void collectSteep(const SteepBits& found, int rowIndex, BitImage& steep) {
     const int words = steep.wordsPerRow();
     std::uint64_t* row = steep.row(rowIndex);
@@ -143,10 +119,10 @@ void collectSteep(const SteepBits& found, int rowIndex, BitImage& steep) {
     }
 }
 
-/// Marks every pixel of a row and of the next one that lies steeply below one of the other's pixels. A point's eight
-/// comparisons are so made four at a time with the opposite four of its neighbours; in floats, with the few that floats
-/// cannot decide repeated as they are defined. Only points with eight neighbours are looked at later, so comparisons
-/// with absent ones need not be left out.
+/// Marks the pixels of a row and of the next row that lie steeply below a neighbour. Each pixel is compared with its
+/// right and its three lower neighbours, in both directions; its four other neighbours compare themselves with it. The
+/// comparisons are made in float. The few that are too close for float are repeated in double, as they are defined.
+/// Comparisons with absent points do no harm, because only points with eight neighbours are used later.
 void markSteepRow(const cv::Mat& cloud, int row, const Direction& normal, bool comparable, RowPair& pair,
                   BitImage& steep) {
     const SteepBits found = pair.clearedBits();
@@ -167,7 +143,7 @@ void markSteepRow(const cv::Mat& cloud, int row, const Direction& normal, bool c
     }
 }
 
-/// The pixels of a word of an interior row whose nine points around are all present.
+/// The pixels of a word of an interior row that are present together with all eight neighbours.
 std::uint64_t surrounded(const BitImage& present, int row, int word) {
     const int words = present.wordsPerRow();
     std::uint64_t all = ~std::uint64_t{0};
@@ -178,8 +154,9 @@ std::uint64_t surrounded(const BitImage& present, int row, int word) {
     return all;
 }
 
-/// The first pass. Absent points have height +0, and adding that to a sum of absolute values changes no bit of it.
-AcceptedHeights acceptSurfacePoints(const cv::Mat& cloud, const Direction& normal, float offset, Workspace& scratch) {
+/// The first pass. Absent points have the height +0, which changes no bit of a sum of absolute values.
+AcceptedHeights acceptSurfacePoints(const cv::Mat& cloud, const Direction& normal, float offset,
+                                    FilterWorkspace& scratch) {
     const SurfaceFilterLoops& loops = surfaceFilterLoops();
     scratch.present.reset(cloud.rows, cloud.cols);
     scratch.steep.reset(cloud.rows, cloud.cols);
@@ -191,6 +168,8 @@ AcceptedHeights acceptSurfacePoints(const cv::Mat& cloud, const Direction& norma
     float heightSum = 0.0F;
     int count = 0;
     const auto split = [&](int row) {
+        // The analyser does not follow the components of cv::Vec3f into the normal.
+        // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage)
         return loops.splitRow(cloud.ptr<float>(row), cloud.cols, row, normal, offset, pair.planes(row),
                               pair.heights(row), scratch.present.row(row));
     };
@@ -232,8 +211,17 @@ float heightTolerance(const AcceptedHeights& accepted) {
     return kOutlierDeviations * (sum / static_cast<float>(accepted.count));
 }
 
-/// Takes the outliers out of an image of the accepted points.
-void clearOutliers(const AcceptedHeights& heights, Workspace& scratch, BitImage& image) {
+/// Clears the outliers in an image of the accepted points. The heights are a list of all accepted points in scan order,
+/// and an outlier is given by its position in this list: outlier n is the n-th set bit of the image, counted from 0.
+///
+/// Example with a word of eight pixels, pixel 0 on the left. Ten points were accepted before this word; 12 and 14 are
+/// outliers.
+///     accepted   0 1 1 0 1 1 0 1    points 10 to 14
+///     rest       0 0 0 0 1 1 0 1    the lowest bits of points 10 and 11 cleared: the lowest bit left is point 12
+///     rest       0 0 0 0 0 0 0 1    points 12 and 13 cleared: the lowest bit left is point 14
+///     image      0 1 1 0 0 1 0 0    without points 12 and 14
+/// `rest & (rest - 1)` clears the lowest set bit of `rest`, `rest & (~rest + 1)` is that bit alone.
+void clearOutliers(const AcceptedHeights& heights, FilterWorkspace& scratch, BitImage& image) {
     int* positions = scratch.outliers.atLeast(static_cast<std::size_t>(heights.count));
     const int found = surfaceFilterLoops().findOutliers(heights.values, heights.count, heights.mean,
                                                         heightTolerance(heights), positions);
@@ -255,7 +243,7 @@ void clearOutliers(const AcceptedHeights& heights, Workspace& scratch, BitImage&
     }
 }
 
-/// Sums of three bits at every position of a word.
+/// The sums of three bits at every position of a word, as binary digits: twos and ones.
 struct BitSum {
     std::uint64_t ones;
     std::uint64_t twos;
@@ -265,9 +253,22 @@ BitSum sumOf(std::uint64_t a, std::uint64_t b, std::uint64_t c) {
     return {a ^ b ^ c, (a & b) | (c & (a ^ b))};
 }
 
-/// A word of the second pass. Seven of a pixel's neighbours are known: the three above as they were left, the right one
-/// and the three below as they were accepted. With four of them a candidate stays, with three it stays when its left
-/// neighbour did: a carry that runs along the candidates with three.
+/// One word of the second pass. A candidate is kept when at least four of its eight neighbours are there. Seven of them
+/// are known beforehand: the three above as the second pass left them, the right one and the three below as the first
+/// pass accepted them. With four of these a candidate is kept. With three it is kept exactly when its left neighbour
+/// was kept, so the decision runs from left to right. The carry of an addition runs in the same way.
+///
+/// Example with eight candidates, pixel 0 on the left. Pixel 0 is the lowest bit, so carries run to the right.
+///     known neighbours   4 3 3 2 3 3 4 3
+///     four               1 0 0 0 0 0 1 0    kept
+///     three              0 1 1 0 1 1 0 1    kept if the left neighbour is
+///     starts             0 1 0 0 0 0 0 1    pixels of `three` whose left neighbour is in `four`
+///     three + starts     0 0 0 1 1 1 0 0    runs with a start: 1 1 became 0 0 and a carry; the run 4, 5 is unchanged
+///     three & ~sum       0 1 1 0 0 0 0 1    the runs that have a start
+///     kept               1 1 1 0 0 0 1 1
+/// A start is always the first pixel of its run, because the pixel before it is in `four` and so not in `three`. The
+/// carry ends in the first pixel after the run, which is not in `three`. The carry of a run up to pixel 7 is lost.
+/// \param leftKept whether the last pixel of the word before was kept
 std::uint64_t keptCandidates(std::uint64_t candidates, const std::array<std::uint64_t, 7>& neighbours, bool leftKept) {
     const BitSum above = sumOf(neighbours[0], neighbours[1], neighbours[2]);
     const BitSum below = sumOf(neighbours[3], neighbours[4], neighbours[5]);
@@ -276,7 +277,7 @@ std::uint64_t keptCandidates(std::uint64_t candidates, const std::array<std::uin
     const std::uint64_t four = candidates & twos.twos;
     const std::uint64_t three = candidates & ~twos.twos & twos.ones & ones.ones;
     const std::uint64_t starts = (four << 1 | (leftKept ? 1U : 0U)) & three;
-    // Adding a run's start to the run turns its ones into zeros; runs that do not start stay.
+    // Adding the start of a run turns the ones of the run into zeros; runs without a start keep their ones.
     return four | (three & ~(three + starts));
 }
 
@@ -301,7 +302,7 @@ void keepAccompanied(const BitImage& accepted, const BitImage& candidates, BitIm
     }
 }
 
-/// Clears every pixel that is not kept, those without a point included: their zeros may have signs.
+/// Clears every pixel that is not kept, also those without a point, because these may hold -0.
 void clearDropped(cv::Mat& cloud, const BitImage& kept) {
     for (int row = 0; row < cloud.rows; ++row) {
         for (int word = 0; word < kept.wordsPerRow(); ++word) {
@@ -328,9 +329,9 @@ void writeMask(const BitImage& kept, cv::Mat& mask) {
 }
 
 /// Filters a cloud that is not empty; leaves the bits of the points kept in the scratch.
-void filter(cv::Mat& cloud, const cv::Vec3f& normal, float offset, Workspace& scratch) {
-    const AcceptedHeights heights = acceptSurfacePoints(cloud, normalized(normal), offset, scratch);
-    // The steep points have done their work: their image takes the candidates.
+void filter(cv::Mat& cloud, const cv::Vec3f& normal, float offset, FilterWorkspace& scratch) {
+    const AcceptedHeights heights = acceptSurfacePoints(cloud, direction(normalized(normal)), offset, scratch);
+    // The image of the steep points is not needed any more, so it is used for the candidates.
     BitImage& candidates = scratch.steep;
     for (int row = 0; row < cloud.rows; ++row) {
         const std::uint64_t* bits = scratch.accepted.row(row);
@@ -345,7 +346,7 @@ void filter(cv::Mat& cloud, const cv::Vec3f& normal, float offset, Workspace& sc
 
 void keepSurfacePoints(cv::Mat& cloud, const cv::Vec3f& normal, float offset) {
     if (!cloud.empty()) {
-        const Borrowed<Workspace> scratch;
+        const Borrowed<FilterWorkspace> scratch;
         filter(cloud, normal, offset, *scratch);
     }
 }
@@ -355,7 +356,7 @@ void filterSurfacePoints(cv::Mat& cloud, const cv::Vec3f& normal, float offset, 
         mask.setTo(0);
         return;
     }
-    const Borrowed<Workspace> scratch;
+    const Borrowed<FilterWorkspace> scratch;
     filter(cloud, normal, offset, *scratch);
     writeMask(scratch->kept, mask);
 }

@@ -7,11 +7,11 @@ namespace quorvel::internal::QUORVEL_VARIANT {
 
 namespace {
 
-/// Beyond this (mm) squares and products of coordinates may leave the range of float.
+/// Beyond this (mm) squares and products of coordinates may overflow float.
 constexpr float kLargestCoordinate = 1e15F;
-/// Square of the steepness limit 0.8F (0.64 + 2e-8), with 1e-5 of room on both sides. The float products and sums below
-/// are off by at most 1e-6 of the squared distance (24 bits, five operations), the exact comparison in double by 1e-14:
-/// what lies outside the band is decided alike by both.
+/// The square of the steepness limit 0.8F is 0.64 + 2e-8; these two bounds leave 1e-5 on both sides of it. The float
+/// products and sums below are off by at most 1e-6 of the squared distance (24 bits, five operations), the comparison
+/// in double by 1e-14. So outside the bounds both decide in the same way.
 constexpr float kSurelySteep = 0.64001F;
 constexpr float kSurelyFlat = 0.63999F;
 /// Squared distances below this (mm^2) may have lost bits to underflow.
@@ -28,8 +28,8 @@ struct Comparison {
     Mask decided;
 };
 
-/// With d = n . (p - q) and l = |p - q|, d / l > 0.8 is d |d| > 0.64 l^2. Equal points are left to the exact form, in
-/// which 0 / 0 compares false.
+/// With d = n . (p - q) and l = |p - q|, the test d / l > 0.8 is the same as d |d| > 0.64 l^2. Equal points are left to
+/// the comparison in double, where 0 / 0 is NaN and not greater than anything.
 inline Comparison compare(const Points& p, const Points& q, const Points& normal) {
     const Floats x = p.x - q.x;
     const Floats y = p.y - q.y;
@@ -45,8 +45,8 @@ inline Comparison compare(const Points& p, const Points& q, const Points& normal
     return {pixel, neighbour, pixel | neighbour | flat};
 }
 
-/// Where an absent point is put, so that no two points beside one another are equal or too near to be compared in
-/// floats: comparisons with absent points count for nothing, but each that floats cannot decide costs an exact one.
+/// The x coordinate at which an absent point is put. Comparisons with absent points have no effect, but one that float
+/// cannot decide would be repeated in double. So absent points lie far from their neighbours and from one another.
 inline Floats absentPlace(int column, int row) {
     constexpr float kApart = 1e6F;  // mm
     const Floats columns = all(static_cast<float>(column)) + laneNumbers();

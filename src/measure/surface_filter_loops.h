@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "common/loop_variant.h"
-#include "measure/direction.h"
+#include "simd/direction.h"
+#include "simd/loop_variant.h"
 
 namespace quorvel::internal {
 
@@ -16,15 +16,15 @@ struct PointPlanes {
     float* z = nullptr;
 };
 
-/// Where the comparison of each pixel of a row with four of its neighbours came out: one bit a pixel, as in BitImage.
-/// A pixel p and its neighbour q share one comparison: the direction from q to p is the opposite of that from p to q.
+/// The results of comparing each pixel of a row with four of its neighbours: one bit a pixel, as in BitImage. One
+/// comparison serves a pixel and its neighbour, because the two directions between them are opposite.
 struct SteepBits {
     std::uint64_t* here = nullptr;        ///< the pixel lies steeply below one of the four
     std::uint64_t* right = nullptr;       ///< its right neighbour lies steeply below it
     std::uint64_t* belowLeft = nullptr;   ///< its neighbour below to the left does
     std::uint64_t* below = nullptr;       ///< its neighbour below does
     std::uint64_t* belowRight = nullptr;  ///< its neighbour below to the right does
-    std::uint64_t* doubt = nullptr;       ///< a comparison is too close for floats; nothing is marked for it
+    std::uint64_t* doubt = nullptr;       ///< a comparison is too close for float; it marks nothing
 };
 
 /// The loops of filterSurfacePoints.

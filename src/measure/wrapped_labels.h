@@ -5,16 +5,16 @@
 
 namespace quorvel::internal {
 
-/// Runs of candidates that 16-bit labels can tell apart whatever their shape.
+/// With at most so many runs of candidates there are fewer regions than 16-bit labels.
 constexpr int kMostLabelledRuns = 65000;
 
-/// The choice of selectObjectComponent for images with more regions than 16-bit labels can name: the labels wrap
-/// around, and what wears one label counts as one region. It takes an image of 130000 candidates' worth of checkerboard
-/// to get here.
+/// The choice of selectObjectComponent() for images that may have more regions than there are 16-bit labels. The labels
+/// then wrap around, and all pixels with the same label are taken as one region. Only extreme images come here, such as
+/// a checkerboard with more than 65000 single candidates.
 /// \param depth CV_16UC1; the candidates are its non-zero pixels
 /// \param minPixels a region needs more pixels than this
 /// \param[in,out] mask CV_8UC1 of the same size, reduced to the region
-/// \return whether there is a large enough region
-bool keepNearestWrappedRegion(const cv::Mat& depth, int minPixels, cv::Mat& mask);
+/// \return pixels of the region; 0 when none is large enough
+int keepNearestWrappedRegion(const cv::Mat& depth, int minPixels, cv::Mat& mask);
 
 }  // namespace quorvel::internal

@@ -1,75 +1,69 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "ruler/frame_intake.h"
+
 #include <iostream>
 #include <string>
 
-#include <quorvel/quorvel.h>
+#include "image/back_projection.h"
+#include "image/exclusive.h"
+#include "image/frame_check.h"
+#include "image/image_form.h"
+#include "image/kept_images.h"
+#include "image/scaled_down.h"
+#include "ruler/calibration.h"
+#include "ruler/members.h"
 
-#include "common/exclusive.h"
-#include "ruler/back_projection.h"
-#include "ruler/frame_check.h"
-#include "ruler/scaled_down.h"
-
-using namespace quorvel::internal;
+namespace quorvel::internal {
 
 namespace {
 
-/// The third image and those of an empty frame may have any form.
-void keepCopy(const cv::Mat& image, cv::Mat& member) {
-    if (image.dims == 2 && !image.empty()) {
-        copyExclusive(image, member);
-    } else {
-        member = image.clone();
-    }
+void deriveImages(Quorvel& ruler) {
+    const cv::Size smallSize(ruler.imageWidth / ruler.downScale, ruler.imageHeight / ruler.downScale);
+    scaleDown(ruler.colorImage, smallSize, ruler.colorSmall);
+    scaleDown(ruler.depthImage, smallSize, ruler.depthSmall);
+    backProject(ruler.depthSmall, {ruler.cxSmall, ruler.cySmall, ruler.invFxSmall, ruler.invFySmall},
+                ruler.pointCloudSmall);
+    copyExclusive(ruler.pointCloudSmall, ruler.pointCloudSmallCopy);
+    backProject(ruler.depthImage, {ruler.cx, ruler.cy, ruler.invFx, ruler.invFy}, ruler.pointCloud);
 }
 
 }  // namespace
 
-bool Quorvel::getCameraFrame(cv::Mat color, cv::Mat depth) {
-    return takeFrame(color, depth, nullptr);
-}
-
-bool Quorvel::getCameraFrame(cv::Mat color, cv::Mat depth, cv::Mat aux) {
-    return takeFrame(color, depth, &aux);
-}
-
-bool Quorvel::takeFrame(const cv::Mat& color, const cv::Mat& depth, const cv::Mat* aux) {
-    const cv::Mat& newColor = offlineMode ? colorImage : color;
-    const cv::Mat& newDepth = offlineMode ? depthImage : depth;
-    const bool empty = newColor.rows == 0 || newDepth.rows == 0;
+bool takeFrame(Quorvel& ruler, const cv::Mat& color, const cv::Mat& depth, const cv::Mat* aux, std::ostream* lines) {
+    const cv::Mat& newColor = ruler.offlineMode ? ruler.colorImage : color;
+    const cv::Mat& newDepth = ruler.offlineMode ? ruler.depthImage : depth;
+    const bool empty = isEmptyFrame(newColor, newDepth);
     const std::string problem =
-        empty ? std::string() : frameProblem(newColor, newDepth, imageWidth, imageHeight, downScale);
+        empty ? std::string() : frameProblem(newColor, newDepth, ruler.imageWidth, ruler.imageHeight, ruler.downScale);
     if (!problem.empty()) {
-        if (debugMode) {
-            std::cout << problem << std::endl;
-        }
+        printInDebugMode(ruler, problem, lines);
         return false;
     }
-    if (!offlineMode) {
-        keepCopy(color, colorImage);
-        keepCopy(depth, depthImage);
+    if (!ruler.offlineMode) {
+        keepCopy(color, ruler.colorImage);
+        keepCopy(depth, ruler.depthImage);
         if (aux != nullptr) {
-            keepCopy(*aux, auxImage);
+            keepCopy(*aux, ruler.auxImage);
         }
     }
     if (empty) {
-        if (debugMode) {
-            std::cout << "Image data size is empty." << std::endl;
-        }
+        printInDebugMode(ruler, "Image data size is empty.", lines);
         return false;
     }
-    deriveImages();
-    if (productType == GROUND_TRACKING) {
-        ransacCalibRef();
-        calibStatus = true;
+    deriveImages(ruler);
+    if (ruler.productType == GROUND_TRACKING) {
+        refitPlane(ruler, lines);
+        ruler.calibStatus = true;
     }
     return true;
 }
 
-void Quorvel::deriveImages() {
-    const cv::Size smallSize(imageWidth / downScale, imageHeight / downScale);
-    scaleDown(colorImage, smallSize, colorSmall);
-    scaleDown(depthImage, smallSize, depthSmall);
-    backProject(depthSmall, {cxSmall, cySmall, invFxSmall, invFySmall}, pointCloudSmall);
-    copyExclusive(pointCloudSmall, pointCloudSmallCopy);
-    backProject(depthImage, {cx, cy, invFx, invFy}, pointCloud);
+}  // namespace quorvel::internal
+
+bool Quorvel::getCameraFrame(cv::Mat color, cv::Mat depth) {
+    return quorvel::internal::takeFrame(*this, color, depth, nullptr, &std::cout);
+}
+
+bool Quorvel::getCameraFrame(cv::Mat color, cv::Mat depth, cv::Mat aux) {
+    return quorvel::internal::takeFrame(*this, color, depth, &aux, &std::cout);
 }

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <iosfwd>
+#include <string>
+
 #include <quorvel/quorvel.h>
 
-#include "calib/plane_model.h"
+#include "geometry/plane_model.h"
 
 namespace quorvel::internal {
 
@@ -19,14 +22,13 @@ inline void adoptPlane(Quorvel& ruler, const Plane& plane) {
     ruler.minObjectPixels = objectPixelMinimum(plane.offset, ruler.fxSmall);
 }
 
-/// Empties a record: no corners (their storage is kept), zero sizes, both flags false.
-void resetResult(MeasureResult& result);
-
-/// In debug mode, prints why a measurement refuses the reference plane, if it does; a plane that is not there is none.
-void printPlaneRefusal(const Quorvel& ruler);
+/// Prints a line in debug mode.
+/// \param lines where to; nothing is printed when it is null
+void printInDebugMode(const Quorvel& ruler, const std::string& line, std::ostream* lines);
 
 /// Prints the line with which every calibration reports its plane.
-void printPlane(const Plane& plane);
+/// \param lines where to; nothing is printed when it is null
+void printPlane(const Plane& plane, std::ostream* lines);
 
 /// \return the rectangle of a ratio of the picture, centred, each value computed in float and truncated to int
 cv::Rect centeredRegion(float ratio, int imageWidth, int imageHeight);

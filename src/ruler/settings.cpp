@@ -1,9 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "ruler/settings.h"
+
 #include <iostream>
 
-#include <quorvel/quorvel.h>
-
 #include "ruler/members.h"
+
+namespace quorvel::internal {
+
+void chooseDetectionArea(Quorvel& ruler, const cv::Rect& area, std::ostream* lines) {
+    ruler.effectiveRegion = area;
+    if (ruler.debugMode && lines != nullptr) {
+        *lines << "DYNAMIC mode object effective RoI value : " << area << std::endl;
+    }
+}
+
+void chooseFilterWeight(Quorvel& ruler, float weight, std::ostream* lines) {
+    ruler.filterWeight = weight;
+    if (ruler.debugMode && lines != nullptr) {
+        *lines << "Filter weight value : " << weight << std::endl;
+    }
+}
+
+}  // namespace quorvel::internal
 
 using namespace quorvel::internal;
 
@@ -43,10 +61,7 @@ int Quorvel::setCalibrationRoI(float ratio, cv::Rect& roi) {
 }
 
 int Quorvel::setEffectiveRegionInArea(cv::Rect roi) {
-    effectiveRegion = roi;
-    if (debugMode) {
-        std::cout << "DYNAMIC mode object effective RoI value : " << effectiveRegion << std::endl;
-    }
+    chooseDetectionArea(*this, roi, &std::cout);
     return 0;
 }
 
@@ -57,10 +72,7 @@ int Quorvel::setEffectiveRegionInArea(float ratio, cv::Rect& roi) {
 }
 
 int Quorvel::setFilterWeight(float weight) {
-    filterWeight = weight;
-    if (debugMode) {
-        std::cout << "Filter weight value : " << weight << std::endl;
-    }
+    chooseFilterWeight(*this, weight, &std::cout);
     return 0;
 }
 

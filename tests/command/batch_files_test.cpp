@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "batch_files.h"
+#include "kit/input/batch_files.h"
 
 #include <gtest/gtest.h>
 
 #include "command_run.h"
-#include "input_error.h"
+#include "kit/input/input_error.h"
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 using Pairs = std::vector<std::pair<std::string, std::string>>;

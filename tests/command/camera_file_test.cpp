@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "camera_file.h"
+#include "kit/input/camera_file.h"
 
 #include <gtest/gtest.h>
 
 #include "command_run.h"
-#include "input_error.h"
+#include "kit/input/input_error.h"
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 class CameraFile : public ::testing::Test {
@@ -111,11 +113,11 @@ TEST_F(CameraFile, WrongFilesAreRefusedWithTheReason) {
         const char* reason;
     } cases[] = {
         {"", "is empty"},
-        {"{\"fx\": 1,", "no valid JSON at byte"},
+        {"{\"fx\": 1,", "not valid JSON at byte"},
         {R"({"fx":1e999,"fy":1,"cx":1,"cy":1,"width":640,"height":480})", "holds a number that is too large"},
         {R"({"fy":1,"cx":1,"cy":1,"width":640,"height":480})", "has no \"fx\""},
-        {R"({"fx":"1","fy":1,"cx":1,"cy":1,"width":640,"height":480})", "\"fx\" is no number"},
-        {R"({"fx":1,"fy":1,"cx":1,"cy":1,"width":640.5,"height":480})", "\"width\" is no whole number"},
+        {R"({"fx":"1","fy":1,"cx":1,"cy":1,"width":640,"height":480})", "\"fx\" is not a number"},
+        {R"({"fx":1,"fy":1,"cx":1,"cy":1,"width":640.5,"height":480})", "\"width\" is not a whole number"},
         {R"({"fx":1,"fy":1,"cx":1,"cy":1,"width":640,"height":480,"focal":3})", "unknown key \"focal\""},
         {R"({"fx":0,"fy":1,"cx":1,"cy":1,"width":640,"height":480})", "the focal lengths are 0.000"},
         {R"({"fx":1,"fy":-1,"cx":1,"cy":1,"width":640,"height":480})", "the focal lengths are"},
@@ -123,17 +125,18 @@ TEST_F(CameraFile, WrongFilesAreRefusedWithTheReason) {
         {"%YAML:1.0\n---\nimage_width: 640\n", "has no 3 x 3 \"camera_matrix\""},
         {"%YAML:1.0\n---\ncamera_matrix: !!opencv-matrix\n   rows: 30000\n   cols: 30000\n   dt: d\n   data: [ 1. ]\n",
          "has no 3 x 3 \"camera_matrix\""},
-        {"%YAML:1.0\n---\n  : [ {\n", "is no valid calibration file"},
-        {"<?xml version=\"1.0\"?>\n<opencv_storage><image_width>", "is no valid calibration file"},
-        {"<?xml version=", "is no valid calibration file (it ends too early)"},
-        {"<", "is no valid calibration file (it ends too early)"},
-        {"%YAML:1.0\n---\nimage_width: 640\n ...\n--\n", "is no valid calibration file (it goes on behind its end)"},
+        {"%YAML:1.0\n---\n  : [ {\n", "is not a valid calibration file"},
+        {"<?xml version=\"1.0\"?>\n<opencv_storage><image_width>", "is not a valid calibration file"},
+        {"<?xml version=", "is not a valid calibration file (it ends too early)"},
+        {"<", "is not a valid calibration file (it ends too early)"},
+        {"%YAML:1.0\n---\nimage_width: 640\n ...\n--\n",
+         "is not a valid calibration file (it continues after its end)"},
         {"image_width: 640\nimage_height: 480\n", "has no camera matrix"},
         {"image_width: 640\nimage_height: 480\nK: [1, 2, 3]\n", "has 3 numbers instead of 9"},
         {"image_height: 480\nK: [1,0,1,0,1,1,0,0,1]\n", "has no \"image_width\""},
         {"image_width: wide\nimage_height: 480\nK: [1,0,1,0,1,1,0,0,1]\n", "line 1 cannot be understood"},
         {"a: [1, 2\nb: }", "cannot be understood"},
-        {"just some words\n", "is no camera file"},
+        {"just some words\n", "is not a camera file"},
         {"image_width: 640\nimage_height: 480\nK: [.nan,0,1,0,1,1,0,0,1]\n", "the focal lengths are nan"},
     };
     for (const auto& [text, reason] : cases) {
@@ -146,12 +149,13 @@ TEST_F(CameraFile, WrongFilesAreRefusedWithTheReason) {
 
 TEST_F(CameraFile, ZeroByteInATagIsRefused) {
     const std::string text("<?xml version=\0\n<opencv_storage>\n</opencv_storage>\n", 51);
-    EXPECT_NE(complaint(text).find("is no valid calibration file (it ends too early)"), std::string::npos);
+    EXPECT_NE(complaint(text).find("is not a valid calibration file (it ends too early)"), std::string::npos);
 }
 
-TEST_F(CameraFile, NameThatIsNoneIsRefused) {
+TEST_F(CameraFile, ValueWithoutANameIsRefused) {
     const std::string text = "%YAML:1.0\n---\nimage_width: 640\ncamera_matrix:\n   rows: 3\n   ://s: 3\n";
-    EXPECT_NE(complaint(text).find("is no valid calibration file"), std::string::npos);
+    EXPECT_NE(complaint(text).find("is not a valid calibration file (it has a value without a name)"),
+              std::string::npos);
 }
 
 TEST_F(CameraFile, MissingFileIsRefused) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "capture_files.h"
+#include "kit/input/capture_files.h"
 
 #include <fstream>
 #include <functional>
@@ -9,11 +9,13 @@
 
 #include "capture_folder.h"
 #include "command_run.h"
-#include "input_error.h"
+#include "kit/input/input_error.h"
 #include "simulated_folder.h"
 #include "support/same_bits.h"
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 namespace fs = std::filesystem;
@@ -72,17 +74,18 @@ std::unique_ptr<Quorvel> CaptureFiles::ruler_;
 TEST_F(CaptureFiles, GivesBackWhatTheRulerHad) {
     const Capture capture = readCapture(folder_->path() / "good");
     const Quorvel& ruler = *ruler_;
-    EXPECT_EQ(capture.downScale, 4);
-    EXPECT_EQ(capture.minObjectHeight, ruler.minObjectHeight);
-    EXPECT_EQ(static_cast<float>(capture.camera.fx), ruler.fx);
-    EXPECT_EQ(static_cast<float>(capture.camera.fy), ruler.fy);
-    EXPECT_EQ(static_cast<float>(capture.camera.cx), ruler.cx);
-    EXPECT_EQ(static_cast<float>(capture.camera.cy), ruler.cy);
-    EXPECT_NEAR(capture.invFx, ruler.invFx, 0.5e-6);
-    EXPECT_NEAR(capture.invFy, ruler.invFy, 0.5e-6);
-    EXPECT_EQ(capture.plane.normal, ruler.refPlaneNormal);
-    EXPECT_EQ(capture.plane.offset, ruler.refPlaneOffset);
-    EXPECT_EQ(capture.camera.size(), cv::Size(ruler.imageWidth, ruler.imageHeight));
+    EXPECT_EQ(capture.parameters.downScale, 4);
+    EXPECT_EQ(capture.parameters.minObjectHeight, ruler.minObjectHeight);
+    EXPECT_EQ(capture.parameters.fx, ruler.fx);
+    EXPECT_EQ(capture.parameters.fy, ruler.fy);
+    EXPECT_EQ(capture.parameters.cx, ruler.cx);
+    EXPECT_EQ(capture.parameters.cy, ruler.cy);
+    EXPECT_NEAR(capture.parameters.invFx, ruler.invFx, 0.5e-6);
+    EXPECT_NEAR(capture.parameters.invFy, ruler.invFy, 0.5e-6);
+    EXPECT_EQ(capture.parameters.plane.normal, ruler.refPlaneNormal);
+    EXPECT_EQ(capture.parameters.plane.offset, ruler.refPlaneOffset);
+    EXPECT_EQ(capture.parameters.imageWidth, ruler.imageWidth);
+    EXPECT_EQ(capture.parameters.imageHeight, ruler.imageHeight);
     EXPECT_EQ(capture.recorded.length, ruler.result.length);
     EXPECT_EQ(capture.recorded.width, ruler.result.width);
     EXPECT_EQ(capture.recorded.height, ruler.result.height);
@@ -107,7 +110,7 @@ TEST_F(CaptureFiles, ACaptureBeforeAnyFrameHasNoFrame) {
 TEST_F(CaptureFiles, NotANumberIsReadAsIt) {
     const fs::path copy = copyOfGood("nan");
     put(copy / "para.txt", parameters("nan", 12));
-    EXPECT_TRUE(std::isnan(readCapture(copy).plane.offset));
+    EXPECT_TRUE(std::isnan(readCapture(copy).parameters.plane.offset));
 }
 
 TEST_F(CaptureFiles, LinesMayEndAsOnTheOtherPlatform) {

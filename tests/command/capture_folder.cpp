@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "sim/render.h"
+#include "support/camera_ruler.h"
 #include "support/captured_output.h"
 #include "support/working_directory.h"
 
@@ -29,9 +30,7 @@ Quorvel readyRuler(const sim::Scene& scene, const CaptureSetup& setup) {
     // Calibrating writes files.
     const test::WorkingDirectory folder;
     const test::CapturedOutput silence;
-    const sim::Camera& camera = scene.camera;
-    Quorvel ruler(static_cast<float>(camera.fx), static_cast<float>(camera.fy), static_cast<float>(camera.cx),
-                  static_cast<float>(camera.cy), camera.width, camera.height, false, "");
+    Quorvel ruler = test::rulerOf(scene.camera);
     cv::Rect area;
     ruler.setProductType(setup.mode);
     ruler.setCalibrationRoI(0.6F, area);

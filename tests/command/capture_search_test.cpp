@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "capture_search.h"
+#include "kit/input/capture_search.h"
 
 #include <filesystem>
 #include <sstream>
@@ -10,6 +10,8 @@
 #include "command_run.h"
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 namespace fs = std::filesystem;

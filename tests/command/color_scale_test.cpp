@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "color_scale.h"
+#include "kit/draw/color_scale.h"
 
 #include <gtest/gtest.h>
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 TEST(ColorScale, TicksAreRoundAndInside) {

@@ -13,7 +13,7 @@
 namespace quorvel::command {
 namespace {
 
-/// While it lives, programs that are started speak German.
+/// While this object lives, started programs run in a German locale.
 class GermanShell {
 public:
     GermanShell() { setenv("LC_ALL", "de_DE.UTF-8", 1); }
@@ -22,8 +22,7 @@ public:
     GermanShell& operator=(const GermanShell&) = delete;
 };
 
-/// Two runs never take the same time, alone its form is the same: a number with a point before " ms" in a table, a
-/// group of its own in JSON.
+/// Removes the times, which differ from run to run: in a table a number with a point before " ms", in JSON a group.
 std::string withoutTimes(std::string text) {
     const std::string unit = " ms";
     for (std::size_t end = text.find(unit, 1); end != std::string::npos; end = text.find(unit, end + unit.size())) {
@@ -61,7 +60,7 @@ camera_matrix: {rows: 3, cols: 3, data: [600.5, 0.0, 319.5, 0.0, 600.25, 239.75,
 )");
     }
 
-    /// The same line, in either shell, has to print and to leave the same in the named file.
+    /// In both shells the same command has to print the same output and write the same file.
     void expectSame(const std::string& arguments, const std::string& file = {}) const {
         const CommandRun expected = folder_.run(arguments);
         EXPECT_EQ(expected.exitCode, 0) << expected.text();

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <random>
 #include <system_error>
 
@@ -13,6 +14,8 @@
 #ifndef _WIN32
 #include <sys/wait.h>
 #endif
+
+#include "forked_command.h"
 
 namespace quorvel::command {
 
@@ -35,8 +38,8 @@ int exitCodeOf(int status) {
 #endif
 }
 
-/// Whether the shell or, on Windows, the program could not be started at all (9009 is the shell's own answer then). An
-/// emulated Windows refuses one start in some thousand.
+/// Whether the shell or, on Windows, the program could not be started at all; 9009 is then the shell's exit code. Under
+/// Wine about one start in some thousand fails.
 bool wasNotStarted(int status) {
 #ifdef _WIN32
     constexpr int kProgramNotFound = 9009;
@@ -51,6 +54,22 @@ std::filesystem::path freshPath() {
     static std::random_device device;
     const std::string name = "quorvel_command_" + std::to_string(device()) + "_" + std::to_string(device());
     return std::filesystem::path(::testing::TempDir()) / name;
+}
+
+/// Runs the built program by the shell.
+/// \return its status, as std::system() gives it
+int runInShell(const std::string& arguments, const std::string& output, const std::string& errors) {
+    std::string line =
+        inQuotes(QUORVEL_BINARY) + " " + arguments + " > " + inQuotes(output) + " 2> " + inQuotes(errors);
+#ifdef _WIN32
+    line = inQuotes(line);  // the shell there strips the outermost pair of quotes
+#endif
+    constexpr int kTries = 3;
+    int status = -1;
+    for (int i = 0; i < kTries && wasNotStarted(status); ++i) {
+        status = std::system(line.c_str());
+    }
+    return status;
 }
 
 }  // namespace
@@ -72,24 +91,24 @@ CommandRun runCommand(const std::string& arguments) {
     const std::filesystem::path base = freshPath();
     const std::string output = base.string() + ".out";
     const std::string errors = base.string() + ".err";
-    std::string line =
-        inQuotes(QUORVEL_BINARY) + " " + arguments + " > " + inQuotes(output) + " 2> " + inQuotes(errors);
-#ifdef _WIN32
-    line = inQuotes(line);  // the shell there strips the outermost pair of quotes
-#endif
     CommandRun run;
     run.line = arguments;
-    constexpr int kTries = 3;
-    int status = -1;
-    for (int i = 0; i < kTries && wasNotStarted(status); ++i) {
-        status = std::system(line.c_str());
-    }
-    run.exitCode = exitCodeOf(status);
+    const std::optional<int> status = runInCopy(QUORVEL_BINARY, arguments, output, errors);
+    run.exitCode = exitCodeOf(status ? *status : runInShell(arguments, output, errors));
     run.output = readFile(output, std::ios::in);
     run.errors = readFile(errors, std::ios::in);
     std::filesystem::remove(output);
     std::filesystem::remove(errors);
     return run;
+}
+
+void expectRefusal(const CommandRun& run, const std::vector<std::string>& words) {
+    EXPECT_EQ(run.exitCode, 2) << run.text();
+    EXPECT_EQ(run.output, "") << run.text();
+    EXPECT_EQ(run.errorLines(), 1) << run.text();
+    for (const std::string& word : words) {
+        EXPECT_NE(run.errors.find(word), std::string::npos) << "expected \"" << word << "\" in\n" << run.text();
+    }
 }
 
 TemporaryFolder::TemporaryFolder() : path_(freshPath()) {

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -17,15 +18,20 @@ struct CommandRun {
 
     /// For a failing test: everything at once.
     std::string text() const;
-    /// Standard output as one JSON document; a discarded value when it is none.
+    /// Standard output as one JSON document; a discarded value when it is not JSON.
     nlohmann::json json() const;
     /// Number of lines on standard error.
     int errorLines() const;
 };
 
-/// Runs the built program with standard output and standard error apart.
+/// Runs the program with standard output and standard error apart: in a copy of this process where that serves, else
+/// the built program.
 /// \param arguments as typed in a shell
 CommandRun runCommand(const std::string& arguments);
+
+/// Expects what a run with wrong input gives: exit code 2, nothing on standard output and one line on standard error.
+/// \param words what the line must hold
+void expectRefusal(const CommandRun& run, const std::vector<std::string>& words);
 
 /// A fresh folder that is removed at the end of the test.
 class TemporaryFolder {
@@ -45,7 +51,7 @@ public:
     CommandRun run(const std::string& arguments) const;
     /// Writes a file into the folder.
     void write(const std::string& name, const std::string& bytes) const;
-    /// Bytes of a file in the folder; empty when there is none.
+    /// Bytes of a file in the folder; empty when the file does not exist.
     std::string read(const std::string& name) const;
     /// The same, with the platform's line ends read as "\n".
     std::string readText(const std::string& name) const;

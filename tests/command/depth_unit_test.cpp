@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "depth_unit.h"
+#include "kit/input/depth_unit.h"
 
 #include <cstdint>
 #include <limits>
@@ -7,15 +7,13 @@
 #include <gtest/gtest.h>
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 std::vector<int> values(const cv::Mat& depth) {
     EXPECT_EQ(depth.type(), CV_16UC1);
-    std::vector<int> list;
-    for (auto value = depth.begin<std::uint16_t>(); value != depth.end<std::uint16_t>(); ++value) {
-        list.push_back(*value);
-    }
-    return list;
+    return {depth.begin<std::uint16_t>(), depth.end<std::uint16_t>()};
 }
 
 TEST(DepthUnit, MillimetresStayAsTheyAre) {

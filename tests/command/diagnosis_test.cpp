@@ -1,41 +1,52 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "diagnosis.h"
+#include "kit/account/diagnosis.h"
 
+#include <limits>
 #include <map>
 
 #include <gtest/gtest.h>
 
+#include "measure/detection_area.h"
+
 namespace quorvel::command {
+
+using namespace kit;
+
 namespace {
 
-/// A small picture of 20 x 10 pixels on a level plane at 1000 mm; what is raised is set pixel by pixel.
+/// An account of a picture of 80 x 40 pixels with a level plane at 1000 mm; every test fills in what it is about.
 class DiagnosisTest : public ::testing::Test {
 protected:
     DiagnosisTest() {
-        facts_.plane = {{0.0F, 0.0F, 1.0F}, 1000.0F};
-        facts_.minObjectHeight = 10.0F;
-        facts_.minObjectPixels = 4;
-        facts_.depthBefore = cv::Mat(10, 20, CV_16UC1, cv::Scalar(1000));
-        facts_.depthAfter = cv::Mat::zeros(10, 20, CV_16UC1);
-        facts_.smallCloud = cv::Mat(10, 20, CV_32FC3, cv::Scalar(0, 0, 1000));
-        facts_.status = 1;
-        facts_.detectionArea = {30, 15, 20, 10};
-        facts_.usableSize = {80, 40};
+        account_.plane = {{0.0F, 0.0F, 1.0F}, 1000.0F};
+        account_.groundDepth = 1000.0F;
+        account_.minHeight = 10.0F;
+        account_.minPixels = 4;
+        account_.picture = {80, 40};
+        account_.detectionArea = {30, 15, 20, 10};
+        account_.searched = true;
+        account_.survey = internal::HeightSurvey{200, 0, 0.0};
+        account_.footprint.usable = internal::wholePicture(account_.picture);
     }
 
-    /// Sets the depth that a pixel had; `height` is that of its point.
-    void setPixel(int row, int col, int depth, float height) {
-        facts_.depthBefore.at<std::uint16_t>(row, col) = static_cast<std::uint16_t>(depth);
-        facts_.smallCloud.at<cv::Vec3f>(row, col) =
-            depth == 0 ? cv::Vec3f(0, 0, 0) : cv::Vec3f(0.0F, 0.0F, 1000.0F - height);
+    /// A box that was found, with these image positions of its corners.
+    internal::Box& box(const std::vector<cv::Point2f>& corners) {
+        account_.footprint.points = 100;
+        account_.footprint.box = internal::Box();
+        account_.footprint.box->corners = corners;
+        return *account_.footprint.box;
     }
 
-    void setCandidate(int row, int col, float height) {
-        setPixel(row, col, static_cast<int>(1000.0F - height), height);
-        facts_.depthAfter.at<std::uint16_t>(row, col) = facts_.depthBefore.at<std::uint16_t>(row, col);
+    void setCandidates(int candidates, int raised, int largest) {
+        account_.component.candidates = candidates;
+        account_.raisedPixels = raised;
+        account_.component.largest = largest;
     }
 
-    Diagnosis diagnosis() const { return diagnose(facts_, surveyHeights(facts_)); }
+    Diagnosis diagnosis(internal::Outcome outcome) {
+        account_.outcome = outcome;
+        return diagnose(account_);
+    }
 
     static double number(const Diagnosis& diagnosis, const std::string& name) {
         const std::map<std::string, double> numbers(diagnosis.numbers.begin(), diagnosis.numbers.end());
@@ -51,34 +62,14 @@ protected:
         }
     }
 
-    MeasurementFacts facts_;
+    internal::MeasureAccount account_;
 };
 
-TEST_F(DiagnosisTest, SurveyCountsEveryStation) {
-    facts_.filterWeight = 0.005F;  // depths beyond 995 mm are ground
-    setPixel(0, 0, 0, 0.0F);       // no depth
-    setPixel(1, 1, 990, 10.0F);    // exactly the minimum height, above the ground cut
-    setPixel(1, 2, 1000, 25.0F);   // raised, but deep
-    setCandidate(3, 3, 30.0F);
-    setCandidate(3, 4, 30.0F);
-    setCandidate(4, 5, 30.0F);  // touches only by a corner
-    const HeightSurvey survey = surveyHeights(facts_);
-    EXPECT_EQ(survey.measured, 199);
-    EXPECT_EQ(survey.removedAsGround, 195);
-    EXPECT_EQ(survey.raisedButRemoved, 1);
-    EXPECT_EQ(survey.candidates, 3);
-    EXPECT_EQ(survey.largestRegion, 2);
-    EXPECT_DOUBLE_EQ(survey.highest, 30.0);
-}
-
-TEST_F(DiagnosisTest, HighestMayLieBeyondThePlane) {
-    facts_.smallCloud.setTo(cv::Scalar(0, 0, 1008));
-    EXPECT_DOUBLE_EQ(surveyHeights(facts_).highest, -8.0);
-}
+using internal::Outcome;
 
 TEST_F(DiagnosisTest, NothingHighEnoughTellsTheHighest) {
-    setPixel(2, 2, 993, 7.0F);
-    const Diagnosis found = diagnosis();
+    account_.survey->highest = 7.0;
+    const Diagnosis found = diagnosis(Outcome::NothingHighEnough);
     EXPECT_EQ(found.reason, Reason::NothingHighEnough);
     expectWords(found, {"10.0 mm or more", "stands 7.0 mm", "200 measured pixels", "dropped 0"});
     EXPECT_DOUBLE_EQ(number(found, "highest_mm"), 7.0);
@@ -87,9 +78,8 @@ TEST_F(DiagnosisTest, NothingHighEnoughTellsTheHighest) {
 }
 
 TEST_F(DiagnosisTest, FrameWithoutDepthIsNamed) {
-    facts_.smallCloud.setTo(cv::Scalar(0, 0, 0));
-    facts_.depthBefore.setTo(0);
-    const Diagnosis found = diagnosis();
+    account_.survey = internal::HeightSurvey{};
+    const Diagnosis found = diagnosis(Outcome::NothingHighEnough);
     EXPECT_EQ(found.reason, Reason::NothingHighEnough);
     expectWords(found, {"no depth at all"});
     EXPECT_DOUBLE_EQ(number(found, "measured_pixels"), 0.0);
@@ -97,9 +87,9 @@ TEST_F(DiagnosisTest, FrameWithoutDepthIsNamed) {
 }
 
 TEST_F(DiagnosisTest, RemovedAsGroundSuggestsANegativeWeight) {
-    setPixel(2, 2, 1040, 25.0F);
-    setPixel(2, 3, 1040, 20.0F);
-    const Diagnosis found = diagnosis();
+    setCandidates(0, 2, 0);
+    account_.survey = internal::HeightSurvey{200, 2, 25.0};
+    const Diagnosis found = diagnosis(Outcome::RemovedAsGround);
     EXPECT_EQ(found.reason, Reason::RemovedAsGround);
     expectWords(found, {"all 2 pixels", "the highest 25.0 mm", "deeper than 1000.0 mm", "--filter-weight -1"});
     EXPECT_DOUBLE_EQ(number(found, "raised_but_removed_pixels"), 2.0);
@@ -107,29 +97,26 @@ TEST_F(DiagnosisTest, RemovedAsGroundSuggestsANegativeWeight) {
 }
 
 TEST_F(DiagnosisTest, RegionOfExactlyTheMinimumIsTooSmall) {
-    for (int col = 4; col < 8; ++col) {
-        setCandidate(4, col, 50.0F);
-    }
-    const Diagnosis found = diagnosis();
+    setCandidates(6, 6, 4);
+    const Diagnosis found = diagnosis(Outcome::RegionTooSmall);
     EXPECT_EQ(found.reason, Reason::RegionTooSmall);
     expectWords(found, {"has 4 pixels", "more than 4 are needed", "1000.0 mm"});
     EXPECT_EQ(found.message.find("--filter-weight"), std::string::npos) << found.message;
+    EXPECT_DOUBLE_EQ(number(found, "candidate_pixels"), 6.0);
     EXPECT_DOUBLE_EQ(number(found, "largest_region_pixels"), 4.0);
     EXPECT_DOUBLE_EQ(number(found, "min_object_pixels"), 4.0);
 }
 
 TEST_F(DiagnosisTest, RegionCutShortByTheGroundCutSaysSo) {
-    setCandidate(4, 4, 50.0F);
-    setPixel(4, 5, 1020, 45.0F);
-    const Diagnosis found = diagnosis();
+    setCandidates(1, 2, 1);
+    const Diagnosis found = diagnosis(Outcome::RegionTooSmall);
     EXPECT_EQ(found.reason, Reason::RegionTooSmall);
     expectWords(found, {"another 1 raised pixels", "--filter-weight -1"});
 }
 
 TEST_F(DiagnosisTest, FewerThanFourSurfacePoints) {
-    facts_.status = 0;
-    facts_.surfacePoints = 3;
-    const Diagnosis found = diagnosis();
+    account_.footprint.points = 3;
+    const Diagnosis found = diagnosis(Outcome::TooFewSurfacePoints);
     EXPECT_EQ(found.reason, Reason::TooFewSurfacePoints);
     expectWords(found, {"left 3 points", "4 are needed"});
     EXPECT_DOUBLE_EQ(number(found, "surface_points"), 3.0);
@@ -137,10 +124,8 @@ TEST_F(DiagnosisTest, FewerThanFourSurfacePoints) {
 }
 
 TEST_F(DiagnosisTest, MissedAreaTellsBothPlaces) {
-    facts_.status = 0;
-    facts_.surfacePoints = 4;
-    facts_.cornersAnywhere = {{1, 1}, {9, 1}, {9, 8}, {1, 8}, {0, 0}, {12, 0}, {12, 9}, {0, 9}};
-    const Diagnosis found = diagnosis();
+    box({{1, 1}, {9, 1}, {9, 8}, {1, 8}, {0, 0}, {12, 0}, {12, 9}, {0, 9}});
+    const Diagnosis found = diagnosis(Outcome::MissesArea);
     EXPECT_EQ(found.reason, Reason::MissesArea);
     expectWords(found, {"x 0 to 12, y 0 to 9", "x 30 to 50, y 15 to 25", "--area"});
     EXPECT_DOUBLE_EQ(number(found, "top_x_max"), 12.0);
@@ -148,59 +133,60 @@ TEST_F(DiagnosisTest, MissedAreaTellsBothPlaces) {
 }
 
 TEST_F(DiagnosisTest, MissedPictureIsNamed) {
-    facts_.status = 0;
-    facts_.surfacePoints = 100;
-    const Diagnosis found = diagnosis();
+    box({{91, 1}, {99, 1}, {99, 8}, {91, 8}, {90, 0}, {102, 0}, {102, 9}, {90, 9}});
+    const Diagnosis found = diagnosis(Outcome::MissesArea);
     EXPECT_EQ(found.reason, Reason::MissesArea);
     expectWords(found, {"outside the picture"});
 }
 
 TEST_F(DiagnosisTest, CornerOutsideIsTheFirstOne) {
-    facts_.status = 0;
-    facts_.result.corners = {{1, 1}, {79, 1}, {80, 40}, {1, 8}, {1, 1}, {79, 1}, {85.5F, 39}, {1, 41}};
-    facts_.footprint = {612.4, 380.0};
-    const Diagnosis found = diagnosis();
+    box({{1, 1}, {79, 1}, {80, 40}, {1, 8}, {1, 1}, {79, 1}, {85.5F, 39}, {1, 41}}).rawSides = {380.0F, 612.4F};
+    const Diagnosis found = diagnosis(Outcome::OutOfView);
     EXPECT_EQ(found.reason, Reason::OutOfView);
-    EXPECT_DOUBLE_EQ(number(found, "footprint_length_mm"), 612.4);
+    EXPECT_FLOAT_EQ(static_cast<float>(number(found, "footprint_length_mm")), 612.4F);
+    EXPECT_DOUBLE_EQ(number(found, "footprint_width_mm"), 380.0);
     expectWords(found, {"corner 6", "612 mm x 380 mm", "(85.5, 39.0)", "x 0 to 80, y 0 to 40", "2 of 8"});
     EXPECT_DOUBLE_EQ(number(found, "corner"), 6.0);
     EXPECT_DOUBLE_EQ(number(found, "corners_outside"), 2.0);
 }
 
 TEST_F(DiagnosisTest, SideBandNarrowsTheUsablePicture) {
-    facts_.status = 0;
-    facts_.result.sideMargin = 10.7F;
-    facts_.result.corners = {{11, 1}, {9, 1}, {40, 30}, {20, 8}, {11, 1}, {60, 1}, {60, 39}, {70, 40}};
-    const Diagnosis found = diagnosis();
+    box({{11, 1}, {9, 1}, {40, 30}, {20, 8}, {11, 1}, {60, 1}, {60, 39}, {70, 40}});
+    account_.footprint.sideMargin = 10.7F;
+    account_.footprint.usable = internal::pictureWithoutSides(account_.picture, 10.7F);
+    const Diagnosis found = diagnosis(Outcome::OutOfView);
     expectWords(found, {"corner 1", "x 10 to 69", "--side-band"});
     EXPECT_DOUBLE_EQ(number(found, "corners_outside"), 2.0);
 }
 
 TEST_F(DiagnosisTest, UndefinedCornerIsOutside) {
-    facts_.status = 0;
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    facts_.result.corners.assign(8, {10, 10});
-    facts_.result.corners[2] = {nan, 10};
-    expectWords(diagnosis(), {"corner 2", "1 of 8"});
+    box(std::vector<cv::Point2f>(8, {10, 10})).corners[2] = {nan, 10};
+    expectWords(diagnosis(Outcome::OutOfView), {"corner 2", "1 of 8"});
 }
 
 TEST_F(DiagnosisTest, MeasuredHasNoReason) {
-    facts_.status = 0;
-    facts_.result.corners.assign(8, {10, 10});
-    facts_.result.inView = true;
-    EXPECT_EQ(diagnosis().reason, Reason::None);
-    EXPECT_EQ(diagnosis().message, "");
+    EXPECT_EQ(diagnosis(Outcome::Measured).reason, Reason::None);
+    EXPECT_EQ(diagnosis(Outcome::Measured).message, "");
+}
+
+TEST_F(DiagnosisTest, EveryOtherOutcomeHasAReasonInWords) {
+    box(std::vector<cv::Point2f>(8, {10, 10}));
+    for (const Outcome outcome : {Outcome::NoPlane, Outcome::PlaneUnusable, Outcome::NoFrame,
+                                  Outcome::NothingHighEnough, Outcome::RemovedAsGround, Outcome::RegionTooSmall,
+                                  Outcome::TooFewSurfacePoints, Outcome::MissesArea, Outcome::OutOfView}) {
+        const Diagnosis found = diagnosis(outcome);
+        EXPECT_NE(found.reason, Reason::None) << static_cast<int>(outcome);
+        EXPECT_NE(found.message, "") << static_cast<int>(outcome);
+    }
 }
 
 TEST_F(DiagnosisTest, GroundCutWarningNeedsEnoughPixelsForAnObject) {
-    for (int col = 0; col < 4; ++col) {
-        setPixel(8, col, 1020, 45.0F);
-    }
-    EXPECT_EQ(groundCutWarning(facts_, surveyHeights(facts_), Reason::None), "");
-    setPixel(8, 4, 1020, 45.0F);
-    const HeightSurvey survey = surveyHeights(facts_);
-    EXPECT_NE(groundCutWarning(facts_, survey, Reason::None).find("5 raised pixels"), std::string::npos);
-    EXPECT_EQ(groundCutWarning(facts_, survey, Reason::RegionTooSmall), "") << "the reason says it already";
+    setCandidates(10, 14, 10);
+    EXPECT_EQ(groundCutWarning(account_, Reason::None), "");
+    setCandidates(10, 15, 10);
+    EXPECT_NE(groundCutWarning(account_, Reason::None).find("5 raised pixels"), std::string::npos);
+    EXPECT_EQ(groundCutWarning(account_, Reason::RegionTooSmall), "") << "the reason says it already";
 }
 
 TEST(ReasonCode, NamesAreDistinct) {

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "frame_reader.h"
+#include "kit/input/frame_reader.h"
 
 #include <gtest/gtest.h>
 #include <opencv2/imgcodecs.hpp>
 
 #include "command_run.h"
-#include "input_error.h"
-#include "png_check.h"
+#include "kit/input/input_error.h"
+#include "kit/input/png_check.h"
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 class FrameReader : public ::testing::Test {

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <quorvel/version.h>
+
 #include "simulated_folder.h"
 
 namespace quorvel::command {
@@ -62,7 +64,7 @@ TEST(Help, MeasureNamesEveryOption) {
 TEST(Help, Version) {
     const CommandRun run = runCommand("--version");
     EXPECT_EQ(run.exitCode, 0) << run.text();
-    EXPECT_EQ(run.output, "quorvel 3.6.4.1\n");
+    EXPECT_EQ(run.output, "quorvel " QUORVEL_VERSION "\n");
 }
 
 TEST(ChangeFolder, FilesAreWrittenWhereItPoints) {

@@ -3,7 +3,6 @@
 // one line on standard error, nothing on standard output, nothing left behind.
 #include <algorithm>
 #include <cstdint>
-#include <random>
 #include <set>
 #include <string>
 #include <vector>
@@ -12,6 +11,7 @@
 #include <opencv2/imgcodecs.hpp>
 
 #include "simulated_folder.h"
+#include "support/random.h"
 
 namespace quorvel::command {
 namespace {
@@ -35,9 +35,9 @@ std::string filledIn(const Place& place, const std::string& value) {
 }
 
 std::string randomBytes(std::size_t count) {
-    std::mt19937 generator(1);
+    test::Draws draws(1);
     std::string bytes(count, '\0');
-    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(generator()); });
+    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(draws.bits()); });
     return bytes;
 }
 
@@ -70,7 +70,7 @@ std::string pngChunk(const std::string& type, const std::string& data) {
     return bigEndian(static_cast<std::uint32_t>(data.size())) + type + data + bigEndian(checksum(type + data));
 }
 
-/// A PNG file of pixels of 16 bits whose checksums are right and whose data are no compressed ones.
+/// A PNG file of 16-bit pixels with right checksums, whose data are not validly compressed.
 std::string pngOfNoise(std::uint32_t width, std::uint32_t height) {
     const std::string kind("\x10\0\0\0\0", 5);
     return "\x89PNG\r\n\x1A\n" + pngChunk("IHDR", bigEndian(width) + bigEndian(height) + kind) +

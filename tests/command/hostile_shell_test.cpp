@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// What only a Unix system can do to the command: pipes that nobody serves, devices, full disks, closed outputs, kills.
+// Conditions that only a Unix system has: pipes without a program at the other end, devices, full disks, closed
+// outputs, kills.
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <random>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -16,6 +16,7 @@
 #include "shell_run.h"
 #include "simulated_folder.h"
 #include "support/ordinary_user.h"
+#include "support/random.h"
 
 namespace quorvel::command {
 namespace {
@@ -37,11 +38,11 @@ protected:
 
     CommandRun shell(const std::string& line) const { return runShell(folder_, line); }
 
-    /// \return names of what was left under way anywhere in the folder
+    /// \return names of unfinished files anywhere in the folder
     std::vector<std::string> leftovers() const {
         std::vector<std::string> names;
         for (const auto& entry : fs::recursive_directory_iterator(folder_.path())) {
-            if (entry.path().filename().string().rfind(".quorvel-", 0) == 0) {
+            if (entry.path().extension() == ".new") {
                 names.push_back(entry.path().string());
             }
         }
@@ -269,7 +270,7 @@ public:
         }
     }
 
-    /// \return whether the kill met it alive
+    /// \return whether the program was still running when it was killed
     bool killAfter(std::chrono::microseconds delay) const {
         std::this_thread::sleep_for(delay);
         ::kill(pid_, SIGKILL);
@@ -321,10 +322,9 @@ TEST_F(HostileShell, AKillLeavesTheOldFileOrTheNewOne) {
             torn += seen == one || seen == other ? 0 : 1;
         }
     });
-    std::mt19937 generator(7);
+    test::Draws draws(7);
     // The picture is written late in a run; a few runs may end before their kill. A machine that others use as well may
     // become faster or slower than it was: then the kills come earlier or later, and go on.
-    std::uniform_int_distribution<std::int64_t> delay(duration.count() / 4, duration.count() * 5 / 4);
     double pace = 1.0;
     int runs = 0;
     int killed = 0;
@@ -333,7 +333,8 @@ TEST_F(HostileShell, AKillLeavesTheOldFileOrTheNewOne) {
             pace *= killed == runs ? 2.0 : 0.5;
         }
         const Victim victim(folder_.path(), arguments(runs % 2 == 0 ? "0.5" : "0.6"));
-        const auto after = static_cast<std::int64_t>(pace * static_cast<double>(delay(generator)));
+        const auto after =
+            static_cast<std::int64_t>(pace * draws.uniform(0.25, 1.25) * static_cast<double>(duration.count()));
         killed += victim.killAfter(std::chrono::microseconds(after)) ? 1 : 0;
         ++runs;
     }

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "label_placement.h"
+#include "kit/draw/label_placement.h"
 
 #include <cmath>
-#include <random>
 
 #include <gtest/gtest.h>
 
+#include "support/random.h"
+
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 using Edge = std::pair<cv::Point2d, cv::Point2d>;
@@ -55,12 +58,13 @@ TEST(LabelPlacement, LabelsOfOneEdgeDoNotCoverOneAnother) {
 }
 
 TEST(LabelPlacement, PlatesStayInsideThePictureForAnyBox) {
-    std::mt19937 random(7);
-    std::uniform_int_distribution<int> position(-300, 700);
-    std::uniform_int_distribution<int> size(1, 900);
+    test::Draws draws(7);
     const cv::Rect picture({0, 0}, kPicture);
     for (int round = 0; round < 500; ++round) {
-        const cv::Rect box(position(random), position(random), size(random), size(random));
+        const int left = draws.between(-300, 700);
+        const int top = draws.between(-300, 700);
+        const int width = draws.between(1, 900);
+        const cv::Rect box(left, top, width, draws.between(1, 900));
         const auto edges = sides(box);
         const auto places =
             placeLabels({{{edges[0], edges[2]}, kLabel}, {{edges[1], edges[3]}, kLabel}}, middle(box), kPicture, kGap);

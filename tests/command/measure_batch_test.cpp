@@ -16,7 +16,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr const char* kCamera = "--intrinsics 600,600,320,240 ";
+constexpr const char* kBatchCamera = "--intrinsics 600,600,320,240 ";
 
 /// Folder with the plane of boxScene() stored, and frames written by the tests.
 class MeasureBatch : public ::testing::Test {
@@ -40,7 +40,7 @@ protected:
         }
     }
 
-    CommandRun measure(const std::string& options) const { return folder_.run("measure " + (kCamera + options)); }
+    CommandRun measure(const std::string& options) const { return folder_.run("measure " + (kBatchCamera + options)); }
 
     /// The JSON report, after a check of the exit code.
     Json report(const std::string& options, int exitCode) const {
@@ -391,13 +391,7 @@ protected:
     }
 
     void expectRefusal(const std::string& options, const std::vector<std::string>& words) const {
-        const CommandRun run = measure(options);
-        EXPECT_EQ(run.exitCode, 2) << run.text();
-        EXPECT_EQ(run.output, "") << run.text();
-        EXPECT_EQ(run.errorLines(), 1) << run.text();
-        for (const std::string& word : words) {
-            EXPECT_NE(run.errors.find(word), std::string::npos) << "expected \"" << word << "\" in\n" << run.text();
-        }
+        quorvel::command::expectRefusal(measure(options), words);
     }
 };
 

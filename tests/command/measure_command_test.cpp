@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <opencv2/imgcodecs.hpp>
 
+#include <quorvel/version.h>
+
 #include "simulated_folder.h"
 
 namespace quorvel::command {
@@ -27,7 +29,7 @@ void expectRectangle(const Json& rect, const std::string& name) {
     }
 }
 
-/// The keys and types that every report has, whatever was measured.
+/// The keys and types that every report has, for every outcome.
 void expectSchema(const Json& report) {
     expectKeys(report, {"version",        "status",      "reason",         "notes",         "mode",
                         "length_mm",      "width_mm",    "height_mm",      "in_view",       "on_target",
@@ -74,7 +76,7 @@ TEST(MeasureCommand, JsonOfAMeasuredBox) {
     const Json report = run.json();
     ASSERT_TRUE(report.is_object()) << run.text();
     expectSchema(report);
-    EXPECT_EQ(report["version"], "3.6.4.1");
+    EXPECT_EQ(report["version"], QUORVEL_VERSION);
     EXPECT_EQ(report["status"], "measured");
     EXPECT_EQ(report["in_view"], true);
     EXPECT_EQ(report["on_target"], true);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <filesystem>
 #include <sstream>
 
@@ -12,13 +11,12 @@
 #include <sys/stat.h>
 #endif
 
-#include "frame_reader.h"
-#include "measurement.h"
-#include "median.h"
+#include "kit/measure/median.h"
 #include "simulated_folder.h"
-#include "stage_timing.h"
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 using Json = nlohmann::json;
@@ -203,40 +201,6 @@ TEST(MeasureTiming, RefusesWhatCannotBeReadAgain) {
     }
 }
 #endif
-
-/// A ruler that holds the folder's frame, on the surface at 1000 mm.
-Quorvel rulerWithFrame(const SimulatedFolder& folder, const std::string& depth) {
-    Quorvel ruler = makeRuler({600.0, 600.0, 320.0, 240.0, 640, 480});
-    ruler.refPlaneNormal = {0.0F, 0.0F, 1.0F};
-    ruler.refPlaneOffset = 1000.0F;
-    ruler.minObjectPixels = 56;  // a 50 mm square at that distance
-    ruler.calibStatus = true;
-    const FramePair frame = readFrame("", folder.file(depth), 1.0);
-    EXPECT_TRUE(ruler.getCameraFrame(frame.color, frame.depth));
-    return ruler;
-}
-
-bool sameBytes(const cv::Mat& a, const cv::Mat& b) {
-    return a.size() == b.size() && a.type() == b.type() && a.isContinuous() && b.isContinuous() &&
-           std::memcmp(a.data, b.data, a.total() * a.elemSize()) == 0;
-}
-
-TEST(StageTiming, LeavesTheFrameAndEndsAsTheMeasurementDoes) {
-    const SimulatedFolder folder("parcel");
-    for (const char* depth : {"depth.png", "empty_depth.png"}) {
-        Quorvel ruler = rulerWithFrame(folder, depth);
-        const cv::Mat depthSmall = ruler.depthSmall.clone();
-        const cv::Mat cloud = ruler.pointCloud.clone();
-        const cv::Mat cloudSmall = ruler.pointCloudSmallCopy.clone();
-        const StageMilliseconds stages = timeStages(ruler);
-        EXPECT_TRUE(sameBytes(ruler.depthSmall, depthSmall)) << depth;
-        EXPECT_TRUE(sameBytes(ruler.pointCloud, cloud)) << depth;
-        EXPECT_TRUE(sameBytes(ruler.pointCloudSmallCopy, cloudSmall)) << depth;
-        EXPECT_TRUE(ruler.result.corners.empty()) << depth;
-        EXPECT_EQ(stages.objectFound, ruler.measureOnce() == 0) << depth;
-        EXPECT_EQ(stages.objectFound, std::string(depth) == "depth.png");
-    }
-}
 
 TEST(Median, IsTheMiddleOne) {
     EXPECT_EQ(median({3.0}), 3.0);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "output_file.h"
+#include "kit/output/output_file.h"
 
 #include <algorithm>
 
@@ -7,9 +7,11 @@
 #include <gtest/gtest.h>
 
 #include "command_run.h"
-#include "input_error.h"
+#include "kit/input/input_error.h"
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 namespace fs = std::filesystem;
@@ -57,7 +59,7 @@ TEST_F(OutputFile, NothingIsInPlaceBeforeTheLastIsWritten) {
         EXPECT_THAT(refusal([&] { files.add(file("no/such/folder"), "new"); }), HasSubstr("cannot be written"));
     }
     EXPECT_EQ(folder_.read("one"), "old");
-    EXPECT_EQ(filesInFolder(), 1U) << "what was under way is removed";
+    EXPECT_EQ(filesInFolder(), 1U) << "the unfinished file is removed";
 }
 
 TEST_F(OutputFile, CommitPutsAllInPlaceAndRemovesTheStale) {

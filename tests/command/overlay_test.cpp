@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "overlay.h"
+#include "kit/draw/overlay.h"
 
 #include <gtest/gtest.h>
 
-#include "drawing.h"
+#include "kit/draw/drawing.h"
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 const Camera kCamera{600.0, 600.0, 320.0, 240.0, 640, 480};
@@ -13,8 +15,8 @@ const Camera kCamera{600.0, 600.0, 320.0, 240.0, 640, 480};
 /// A box of 200 x 100 mm, 100 mm high, in the middle under a camera at 1000 mm.
 Measurement measuredBox() {
     Measurement measurement;
-    measurement.plane = {{0.0F, 0.0F, 1.0F}, 1000.0F};
-    measurement.detectionArea = {20, 20, 600, 440};
+    measurement.state.plane = {{0.0F, 0.0F, 1.0F}, 1000.0F};
+    measurement.state.detectionArea = {20, 20, 600, 440};
     measurement.result.corners = {{260, 210}, {380, 210}, {380, 270}, {260, 270},
                                   {253, 207}, {387, 207}, {387, 273}, {253, 273}};
     measurement.result.length = 200.0F;

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "plane.h"
+#include "kit/account/plane.h"
 
 #include <cmath>
 #include <limits>
 
 #include <gtest/gtest.h>
 
-#include "plane_basis.h"
+#include "kit/draw/plane_basis.h"
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 const Plane kLevel{{0.0F, 0.0F, 1.0F}, 1000.0F};

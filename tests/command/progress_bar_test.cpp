@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "progress_bar.h"
+#include "commands/progress_bar.h"
 
 #include <gtest/gtest.h>
 

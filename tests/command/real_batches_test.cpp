@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Batches made of real captures, where the folder with them is there. Each capture is a single frame; the others of its
-// batch are the same frame with noise and missing pixels as a depth camera adds them from instant to instant.
+// Batches made of real captures, when their folder exists. Each capture is a single frame. The other frames of its
+// batch are the same frame with the noise and the missing pixels that a depth camera adds from frame to frame.
 
 #include <gtest/gtest.h>
 #include <opencv2/imgcodecs.hpp>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Real depth-camera captures, where the folder with them is there. What is measured on them is judged elsewhere;
-// here it counts that the command copes and explains itself.
+// Real depth-camera captures, when their folder exists. The library's tests check the sizes; these tests check that the
+// command handles every frame and gives a reason when nothing is measured.
 
 #include <gtest/gtest.h>
 

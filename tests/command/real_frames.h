@@ -11,7 +11,7 @@
 
 namespace quorvel::command {
 
-/// For tests on really captured frames; they are skipped where the folder with them is missing.
+/// For tests on real camera frames; they are skipped when the folder with the frames is missing.
 class RealFrames : public ::testing::Test {
 protected:
     void SetUp() override {

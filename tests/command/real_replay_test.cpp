@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Captures of real frames, where the folder with them is there: what was captured measures the same when replayed.
+// Captures of real frames, when their folder exists: a replay gives the sizes that were captured.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "region_option.h"
-
 #include <gtest/gtest.h>
 
-#include "input_error.h"
-#include "numbers.h"
+#include "kit/input/input_error.h"
+#include "kit/input/numbers.h"
+#include "kit/input/region.h"
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 const cv::Size kPicture{640, 480};

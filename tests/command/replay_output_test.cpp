@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "replay_output.h"
+#include "kit/replay/replay_output.h"
 
 #include <limits>
 
@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 using Json = nlohmann::json;

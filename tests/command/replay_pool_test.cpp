@@ -1,17 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "replay_pool.h"
+#include "kit/replay/replay_pool.h"
 
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <mutex>
-#include <random>
 #include <stdexcept>
 #include <thread>
 
 #include <gtest/gtest.h>
 
+#include "support/random.h"
+
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 std::vector<std::string> names(int count) {
@@ -37,8 +41,8 @@ TEST(ReplayPool, HandsOutcomesOverInOrderWhateverTheyTake) {
     for (const int jobs : {1, 2, 7}) {
         std::vector<std::string> taken;
         const ReplayCalls calls{[](const std::string& folder) {
-                                    std::mt19937 random(static_cast<unsigned>(std::stoi(folder)));
-                                    std::this_thread::sleep_for(std::chrono::microseconds(random() % 500));
+                                    test::Draws draws(static_cast<std::uint64_t>(std::stoi(folder)));
+                                    std::this_thread::sleep_for(std::chrono::microseconds(draws.below(500)));
                                     return outcomeOf(folder);
                                 },
                                 [&](const ReplayOutcome& outcome) { taken.push_back(outcome.folder); }, never};

@@ -18,6 +18,15 @@ using ::testing::Not;
 class ReplayShell : public ReplayTree {
 protected:
     static CommandRun shell(const std::string& line) { return runShell(*folder_, line); }
+
+    /// The rows of one run over all captures, in any order.
+    static void expectRowsOfTheWholeTree(const CommandRun& run) {
+        std::vector<Json> expected = lines(replay("log --area 0.5 --jsonl").output);
+        std::vector<Json> rows = lines(run.output);
+        std::sort(expected.begin(), expected.end());
+        std::sort(rows.begin(), rows.end());
+        EXPECT_EQ(rows, expected) << run.text();
+    }
 };
 
 TEST_F(ReplayShell, ReadsAListOfPathsFromStandardInput) {
@@ -33,11 +42,7 @@ TEST_F(ReplayShell, XargsSplitsTheWork) {
     const CommandRun run = shell(
         "find log -mindepth 2 -type d -print0 | sort -z | xargs -0 -n 2 $Q replay --area 0.5 --jsonl > all.jsonl\n"
         "sort all.jsonl");
-    std::vector<Json> expected = lines(replay("log --area 0.5 --jsonl").output);
-    std::vector<Json> rows = lines(run.output);
-    std::sort(expected.begin(), expected.end());
-    std::sort(rows.begin(), rows.end());
-    EXPECT_EQ(rows, expected) << run.text();
+    expectRowsOfTheWholeTree(run);
 }
 
 TEST_F(ReplayShell, GnuParallelSplitsTheWork) {
@@ -46,11 +51,7 @@ TEST_F(ReplayShell, GnuParallelSplitsTheWork) {
     }
     const CommandRun run = shell(
         "find log -mindepth 2 -type d | parallel --will-cite --jobs 2 --pipe -N 2 $Q replay - --area 0.5 --jsonl");
-    std::vector<Json> expected = lines(replay("log --area 0.5 --jsonl").output);
-    std::vector<Json> rows = lines(run.output);
-    std::sort(expected.begin(), expected.end());
-    std::sort(rows.begin(), rows.end());
-    EXPECT_EQ(rows, expected) << run.text();
+    expectRowsOfTheWholeTree(run);
 }
 
 TEST_F(ReplayShell, ASliceOfAListIsAJobOfAnArray) {
@@ -59,11 +60,7 @@ TEST_F(ReplayShell, ASliceOfAListIsAJobOfAnArray) {
         "for TASK in 1 2; do awk -v n=2 -v k=$TASK 'NR % n == k % n' list | $Q replay - --area 0.5 --jsonl > "
         "part.$TASK; done\n"
         "cat part.1 part.2");
-    std::vector<Json> expected = lines(replay("log --area 0.5 --jsonl").output);
-    std::vector<Json> rows = lines(run.output);
-    std::sort(expected.begin(), expected.end());
-    std::sort(rows.begin(), rows.end());
-    EXPECT_EQ(rows, expected) << run.text();
+    expectRowsOfTheWholeTree(run);
 }
 
 TEST_F(ReplayShell, InterruptingEndsWithTheSummarySoFar) {

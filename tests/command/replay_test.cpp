@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "replay.h"
+#include "kit/replay/replay.h"
 
 #include <filesystem>
 #include <fstream>
@@ -11,12 +11,13 @@
 #include "sim/presets.h"
 #include "sim/render.h"
 #include "simulated_folder.h"
-#include "stream_redirect.h"
 #include "support/captured_output.h"
 #include "support/same_bits.h"
 #include "support/working_directory.h"
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 namespace fs = std::filesystem;
@@ -25,10 +26,7 @@ class Replay : public ::testing::Test {
 protected:
     static sim::Scene parcel() { return boxScene(20.0, -10.0, 200.0, 120.0, 90.0); }
 
-    ReplayOutcome replay(const ReplaySettings& settings) const {
-        const SilentLibrary silence;
-        return replayCapture(capture_.string(), settings);
-    }
+    ReplayOutcome replay(const ReplaySettings& settings) const { return replayCapture(capture_.string(), settings); }
     ReplayOutcome replay(const CaptureSetup& setup) const { return replay(settingsOf(setup)); }
 
     static ReplaySettings settingsOf(const CaptureSetup& setup) {
@@ -123,7 +121,7 @@ TEST_F(Replay, ToleranceIsTheLargestDifferenceThatPasses) {
         EXPECT_EQ(replay(settings).status, status) << "height " << delta;
     }
     record(now.width, std::numeric_limits<float>::quiet_NaN(), now.height);
-    EXPECT_EQ(replay(settings).status, ReplayStatus::Changed) << "a recorded size that is no number";
+    EXPECT_EQ(replay(settings).status, ReplayStatus::Changed) << "a recorded size of NaN";
 }
 
 TEST_F(Replay, AMovedBoxShowsInTheShift) {

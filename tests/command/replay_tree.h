@@ -21,7 +21,7 @@ protected:
 
     /// Runs `quorvel replay` in the folder.
     static CommandRun replay(const std::string& arguments);
-    /// \return the lines of a text, each as a JSON document; a discarded value where it is none
+    /// \return the lines of a text, each as a JSON document; a discarded value for a line that is not JSON
     static std::vector<Json> lines(const std::string& text);
 
     static std::unique_ptr<TemporaryFolder> folder_;

@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 #include <opencv2/imgcodecs.hpp>
 
-#include "camera_file.h"
+#include "kit/input/camera_file.h"
 #include "sim/presets.h"
 #include "sim/scene_json.h"
 #include "simulated_folder.h"
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 TEST(SimulateCommand, ListNamesEveryPresetWithItsDescription) {

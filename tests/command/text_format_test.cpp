@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "text_format.h"
+#include "kit/account/text_format.h"
 
 #include <gtest/gtest.h>
 
 namespace quorvel::command {
+
+using namespace kit;
 namespace {
 
 TEST(TextFormat, FixedDecimals) {

@@ -12,7 +12,7 @@ namespace {
 class WrongInput : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        folder_ = new SimulatedFolder("parcel");
+        folder_ = std::make_unique<SimulatedFolder>("parcel");
         const std::string depth = folder_->read("depth.png");
         folder_->write("cut.png", depth.substr(0, depth.size() / 2));
         std::string broken = depth;
@@ -27,29 +27,20 @@ protected:
         cv::imwrite(folder_->file("small.png"), cv::Mat(240, 320, CV_16UC1, cv::Scalar(900)));
         cv::imwrite(folder_->file("small_color.png"), cv::Mat(240, 320, CV_8UC3, cv::Scalar(90, 80, 70)));
     }
-    static void TearDownTestSuite() {
-        delete folder_;
-        folder_ = nullptr;
-    }
+    static void TearDownTestSuite() { folder_.reset(); }
 
     static void expectRefusal(const std::string& arguments, const std::vector<std::string>& words) {
-        const CommandRun run = folder_->run(arguments);
-        EXPECT_EQ(run.exitCode, 2) << run.text();
-        EXPECT_EQ(run.output, "") << run.text();
-        EXPECT_EQ(run.errorLines(), 1) << run.text();
-        for (const std::string& word : words) {
-            EXPECT_NE(run.errors.find(word), std::string::npos) << "expected \"" << word << "\" in\n" << run.text();
-        }
+        quorvel::command::expectRefusal(folder_->run(arguments), words);
     }
 
     static void expectMeasureRefusal(const std::string& options, const std::vector<std::string>& words) {
         expectRefusal("measure --camera camera.json --depth depth.png " + options, words);
     }
 
-    static SimulatedFolder* folder_;
+    static std::unique_ptr<SimulatedFolder> folder_;
 };
 
-SimulatedFolder* WrongInput::folder_ = nullptr;
+std::unique_ptr<SimulatedFolder> WrongInput::folder_;
 
 TEST_F(WrongInput, CommandLine) {
     expectRefusal("", {"subcommand is required", "--help"});
@@ -81,7 +72,7 @@ TEST_F(WrongInput, Camera) {
     expectRefusal("measure" + rest, {"no camera is given", "--camera FILE", "--intrinsics"});
     expectRefusal("measure --camera camera.json --intrinsics 1,1,1,1" + rest, {"both give the camera"});
     expectRefusal("measure --camera nothing.json" + rest, {"nothing.json", "no such readable file"});
-    expectRefusal("measure --camera words.json" + rest, {"words.json", "is no camera file"});
+    expectRefusal("measure --camera words.json" + rest, {"words.json", "is not a camera file"});
     expectRefusal("measure --camera unknown.json" + rest, {"unknown.json", "unknown key \"foo\""});
     expectRefusal("measure --camera other.json" + rest, {"depth.png", "640 x 480", "320 x 240"});
     expectRefusal("measure --intrinsics 600,600,320" + rest, {"--intrinsics", "has 3 numbers"});

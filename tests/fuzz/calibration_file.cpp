@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Any bytes as a calibration file.
-#include "calib/calibration_file.h"
+#include "files/calibration_file.h"
 
 #include <array>
 #include <cmath>
@@ -8,7 +8,7 @@
 
 #include <quorvel/quorvel.h>
 
-#include "common/decimal_text.h"
+#include "files/decimal_text.h"
 #include "fuzz/target.h"
 #include "support/same_bits.h"
 
@@ -27,12 +27,14 @@ Fields fieldsOf(const internal::Plane& plane) {
 
 Fields readFields() {
     internal::Plane plane{{kUnread, kUnread, kUnread}, kUnread};
-    require(internal::readCalibrationFile(kFile, plane), "a small file that is there could not be opened");
+    const std::optional<internal::Plane> read = internal::readCalibrationFile(kFile, plane);
+    require(read.has_value(), "a small file that is there could not be opened");
+    plane = *read;
     return fieldsOf(plane);
 }
 
 #ifndef _WIN32
-/// Reading stops at the first field that is no number: what the reader of single numbers finds is what comes out.
+/// Reading stops at the first field that is not a number, so the plane has the numbers that DecimalReader finds.
 void requireFieldsOf(const std::string& bytes, const Fields& fields) {
     internal::DecimalReader reader(bytes);
     bool reading = true;

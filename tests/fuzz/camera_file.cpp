@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Any bytes as the files and options that the command reads. The first byte chooses the reader. What cannot be worked
-// with is refused with one line; nothing else may leave a reader.
-#include "camera_file.h"
+// Any bytes as the files and options that the command reads. The first byte chooses the reader. Unusable input is
+// refused with one line; no other exception may leave a reader.
+#include "kit/input/camera_file.h"
 
 #include <array>
 #include <cmath>
@@ -11,23 +11,23 @@
 
 #include <opencv2/imgcodecs.hpp>
 
-#include "capture_files.h"
-#include "frame_reader.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
-#include "input_error.h"
-#include "numbers.h"
-#include "region_option.h"
-#include "ruler_params_file.h"
+#include "kit/input/capture_files.h"
+#include "kit/input/frame_reader.h"
+#include "kit/input/input_error.h"
+#include "kit/input/numbers.h"
+#include "kit/input/region.h"
+#include "kit/input/size_text.h"
+#include "kit/output/ruler_params_file.h"
 #include "sim/scene_json.h"
-#include "size_option.h"
 #include "support/same_bits.h"
 
 namespace quorvel::fuzz {
 
 namespace {
 
-using namespace command;
+using namespace kit;
 
 /// A refusal is one line for the user's terminal.
 void requireOneLine(const InputError& error) {
@@ -94,7 +94,9 @@ void readStoredCapture(Input& input) {
     try {
         const Capture capture = readCapture("capture");
         require(capture.recorded.corners.empty() || capture.recorded.corners.size() == 8, "a box of some corners");
-        require(capture.frame && capture.frame->depth.size() == capture.camera.size(), "a frame of another size");
+        require(capture.frame && capture.frame->depth.size() ==
+                                     cv::Size(capture.parameters.imageWidth, capture.parameters.imageHeight),
+                "a frame of another size");
     } catch (const InputError& error) {
         requireOneLine(error);
     }
@@ -119,7 +121,7 @@ void readOptions(Input& input) {
     }
     try {
         for (const double number : parseNumbers(text, "--intrinsics")) {
-            require(std::isfinite(number), "a number that is none was read");
+            require(std::isfinite(number), "a number that is not finite was read");
         }
     } catch (const InputError&) {
     }
@@ -127,7 +129,7 @@ void readOptions(Input& input) {
 
 void readParameters(Input& input) {
     const std::array<std::string, 4> names{"p.yml", "p.xml", "p.json", "p.yml.gz"};
-    const std::string path = names[static_cast<std::size_t>(input.below(4))];
+    const std::string path = input.oneOf(names);
     writeFile(path, input.rest());
     try {
         if (const std::optional<RulerParams> params = readEditableParams(path)) {
@@ -143,7 +145,7 @@ void readParameters(Input& input) {
     }
     std::filesystem::remove(path);
     for (const auto& entry : std::filesystem::directory_iterator(".")) {
-        require(entry.path().filename().string().rfind(".quorvel-", 0) != 0, "a temporary file was left");
+        require(entry.path().extension() != ".new", "a temporary file was left");
     }
 }
 
@@ -164,9 +166,5 @@ constexpr std::array<void (*)(Input&), 7> kReaders{readCamera,  readDepthImage, 
 }  // namespace quorvel::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace quorvel::fuzz;
-    prepareProcess();
-    Input input(data, size);
-    kReaders[static_cast<std::size_t>(input.below(static_cast<int>(kReaders.size())))](input);
-    return 0;
+    return quorvel::fuzz::workThrough(quorvel::fuzz::kReaders, data, size);
 }

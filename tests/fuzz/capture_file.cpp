@@ -7,9 +7,9 @@
 
 #include <quorvel/quorvel.h>
 
+#include "files/capture_reader.h"
+#include "files/capture_writer.h"
 #include "fuzz/target.h"
-#include "persist/capture_reader.h"
-#include "persist/capture_writer.h"
 #include "support/same_bits.h"
 
 namespace quorvel::fuzz {
@@ -35,8 +35,9 @@ void makeImages() {
 void requireRoundTrip(const internal::CaptureParameters& capture) {
     const std::string text = internal::captureParametersText(capture);
     writeFile(kFile, text);
-    internal::CaptureParameters again;
-    require(internal::readCaptureParameters(kFile, again), "what was written cannot be read");
+    const std::optional<internal::CaptureParameters> read = internal::readCaptureParameters(kFile);
+    require(read.has_value(), "what was written cannot be read");
+    const internal::CaptureParameters& again = *read;
     require(internal::captureParametersText(again) == text, "a file that was read is written differently");
     require(again.downScale == capture.downScale && again.imageWidth == capture.imageWidth &&
                 again.imageHeight == capture.imageHeight,
@@ -46,7 +47,7 @@ void requireRoundTrip(const internal::CaptureParameters& capture) {
     require(near || test::sameBits(again.plane.offset, capture.plane.offset), "the distance was not read back");
 }
 
-/// What can be read is replayed; a frame that does not fit is refused and leaves an empty result.
+/// A readable capture is replayed. A frame that does not fit is refused and leaves an empty result.
 void requireReplay(bool readable, const internal::CaptureParameters& capture) {
     Quorvel ruler(500.0F, 500.0F, 16.0F, 12.0F, kWidth, kHeight, true, kFolder);
     require(ruler.offlineMode, "the offline mode went off");
@@ -79,11 +80,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         makeImages();
     }
     writeFile(kFile, std::string(data, data + size));
-    quorvel::internal::CaptureParameters capture;
-    const bool readable = quorvel::internal::readCaptureParameters(kFile, capture);
-    requireReplay(readable, capture);
-    if (readable) {
-        requireRoundTrip(capture);
+    const std::optional<quorvel::internal::CaptureParameters> capture = quorvel::internal::readCaptureParameters(kFile);
+    requireReplay(capture.has_value(), capture.value_or(quorvel::internal::CaptureParameters()));
+    if (capture) {
+        requireRoundTrip(*capture);
     }
     return 0;
 }

@@ -14,16 +14,18 @@
 #include "calib/dominant_normal.h"
 #include "calib/least_squares.h"
 #include "calib/normal_map.h"
-#include "calib/plane_model.h"
 #include "calib/ransac_plane.h"
 #include "calib/reference_fit.h"
 #include "calib/region_growth.h"
-#include "calib/select_kth.h"
 #include "calib/smoothing.h"
-#include "calib/solve3x3.h"
-#include "common/loop_variant.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
+#include "geometry/plane_basis.h"
+#include "geometry/plane_model.h"
+#include "geometry/selection.h"
+#include "geometry/solve3x3.h"
+#include "image/back_projection.h"
+#include "library/fast_forms.h"
 #include "library/plain/back_projection.h"
 #include "library/plain/calibration_region.h"
 #include "library/plain/detection_area.h"
@@ -51,44 +53,34 @@
 #include "measure/object_component.h"
 #include "measure/object_points.h"
 #include "measure/object_window.h"
-#include "measure/plane_basis.h"
 #include "measure/surface_filter.h"
-#include "ruler/back_projection.h"
-#include "support/loop_variant_name.h"
+#include "support/loop_variants.h"
+#include "support/random.h"
 #include "support/same_bits.h"
 
 namespace quorvel::fuzz {
 
 namespace {
 
+using test::forEachLoopVariant;
 using test::sameBits;
 using test::plain::FootprintInput;
 
 constexpr int kLargestSide = 72;  // pixels; 72 x 72 is enough for the fit, which wants more than 4000
-
-/// Calls `compare(name)` with every variant of the pixel loops that the machine can run.
-void forEachLoopVariant(const std::function<void(const std::string&)>& compare) {
-    const internal::LoopVariant before = internal::loopVariant();
-    for (const internal::LoopVariant variant : internal::runnableLoopVariants()) {
-        internal::useLoopVariant(variant);
-        compare(test::nameOf(variant));
-    }
-    internal::useLoopVariant(before);
-}
 
 cv::Size anySize(Input& input) {
     const int width = 1 + input.below(kLargestSide);
     return {width, 1 + input.below(kLargestSide)};
 }
 
-/// A surface with steps on it, any values strewn over it, or nothing but any values.
+/// A surface with steps, the same with some hostile values, or hostile values alone.
 cv::Mat anyDepth(Input& input, const cv::Size& size) {
     cv::Mat depth = anyStorage(input, size, CV_16UC1);
     const int kind = input.below(4);
     const int floor = input.word();
     const int step = input.below(256);
     const int patch = 1 + input.below(16);
-    Noise noise(input.byte());
+    test::Draws noise(input.byte());
     for (int row = 0; row < size.height; ++row) {
         for (int column = 0; column < size.width; ++column) {
             const bool raised = ((row / patch) + (column / patch)) % 2 != 0;
@@ -122,7 +114,7 @@ cv::Mat anyCloud(Input& input, const cv::Size& size) {
     const int patch = 1 + input.below(64);
     const int grain = 1 + input.below(16);
     const int absent = input.flag() ? 0 : input.below(101);
-    Noise noise(input.byte());
+    test::Draws noise(input.byte());
     for (int row = 0; row < size.height; ++row) {
         for (int column = 0; column < size.width; ++column) {
             if (noise.below(100) < absent) {
@@ -150,7 +142,7 @@ cv::Mat anyCloud(Input& input, const cv::Size& size) {
     return cloud;
 }
 
-/// A unit normal that leans a little, or anything.
+/// A unit normal that leans a little, or any three numbers.
 cv::Vec3f anyNormal(Input& input) {
     const int kind = input.below(4);
     if (kind == 0) {
@@ -173,8 +165,11 @@ void compareBackProjections(Input& input) {
     const cv::Mat depth = anyDepth(input, anySize(input));
     const internal::BackProjection camera{input.anyReal(), input.anyReal(), input.anyReal(), input.anyReal()};
     const cv::Mat expected = test::plain::backProject(depth, camera.cx, camera.cy, camera.invFx, camera.invFy);
-    forEachLoopVariant(
-        [&](const std::string& name) { require(sameBits(internal::backProject(depth, camera), expected), name); });
+    forEachLoopVariant([&](const std::string& name) {
+        cv::Mat cloud;
+        internal::backProject(depth, camera, cloud);
+        require(sameBits(cloud, expected), name);
+    });
 }
 
 void compareGroundRemovals(Input& input) {
@@ -202,7 +197,7 @@ void compareHeightCuts(Input& input) {
     forEachLoopVariant([&](const std::string& name) {
         cv::Mat left = depth.clone();
         cv::Mat mask = cv::Mat::zeros(size, CV_8UC1);
-        require(internal::cutAboveReferencePlane(left, cloud, normal, offset, minHeight, mask) == expected, name);
+        require(test::fast::cutAboveReferencePlane(left, cloud, normal, offset, minHeight, mask) == expected, name);
         require(sameBits(left, expectedDepth), name + ", depth");
         require(sameBits(mask, expectedMask), name + ", mask");
     });
@@ -216,7 +211,7 @@ void compareComponents(Input& input) {
     const int expected = test::plain::selectObjectComponent(depth, minPixels, expectedMask);
     forEachLoopVariant([&](const std::string& name) {
         cv::Mat mask = before.clone();
-        require(internal::selectObjectComponent(depth, minPixels, mask) == expected, name);
+        require(test::fast::selectObjectComponent(depth, minPixels, mask) == expected, name);
         require(sameBits(mask, expectedMask), name + ", mask");
     });
 }
@@ -279,7 +274,7 @@ void compareDetectionAreas(Input& input) {
     if (input.below(8) != 0) {
         region = {input.below(100) - 20, input.below(100) - 20, input.below(100) - 2, input.below(100) - 2};
     } else {
-        drawable = false;  // the plain form adds up what int cannot hold
+        drawable = false;  // the plain form would overflow int
     }
     const bool meets = internal::topFaceMeetsRegion(face, region, picture);
     require(!drawable || meets == test::plain::topFaceMeetsRegion(face, region, picture), "the detection area");
@@ -289,7 +284,7 @@ void compareQuantiles(Input& input) {
     const int count = 1 + input.word() % 5000;
     const int distinct = 1 + input.word();
     std::vector<float> heights(static_cast<std::size_t>(count));
-    Noise noise(input.byte());
+    test::Draws noise(input.byte());
     for (float& height : heights) {
         height = static_cast<float>(noise.below(distinct)) * 0.25F;
     }
@@ -343,13 +338,9 @@ void compareFootprints(Input& input) {
     const bool drawable = boxIsDrawable(cloud, in);
     const MeasureResult general = drawable ? test::plain::measureFootprint(cloud, in) : MeasureResult();
     const MeasureResult bare = drawable ? test::plain::measureFootprintWithoutMargin(cloud, in) : MeasureResult();
-    const cv::Mat depthSmall(in.small, CV_16UC1);
     forEachLoopVariant([&](const std::string& name) {
-        const MeasureResult a =
-            internal::measureFootprint(depthSmall, cloud, in.normal, in.offset, in.cx, in.cy, in.fx, in.fy,
-                                       in.downScale, in.cameraTypeSet, in.cameraType, in.effectiveRegion);
-        const MeasureResult b = internal::measureFootprintWithoutMargin(
-            depthSmall, cloud, in.normal, in.offset, in.cx, in.cy, in.fx, in.fy, in.downScale, in.effectiveRegion);
+        const MeasureResult a = test::fast::measureFootprint(cloud, in);
+        const MeasureResult b = test::fast::measureFootprintWithoutMargin(cloud, in);
         if (drawable) {
             require(test::sameResult(a, general), name + ", general");
             require(test::sameResult(b, bare), name + ", without margin");
@@ -373,9 +364,8 @@ void compareChains(Input& input) {
     settings.minPixels = minPixels;
     settings.camera = {in.cx, in.cy, in.fx, in.fy};
     settings.downScale = in.downScale;
-    settings.cameraTypeSet = in.cameraTypeSet;
-    settings.cameraType = in.cameraType;
-    settings.effectiveRegion = in.effectiveRegion;
+    settings.sideBand = in.cameraTypeSet ? std::optional(in.cameraType) : std::nullopt;
+    settings.detectionArea = in.effectiveRegion;
     settings.variant = general ? internal::FootprintVariant::General : internal::FootprintVariant::WithoutMargin;
     MeasureResult firstResult;
     cv::Mat firstDepth;
@@ -389,10 +379,10 @@ void compareChains(Input& input) {
         cv::Mat leftDepth = depth.clone();
         cv::Mat leftCloud = cloud.clone();
         MeasureResult result;
-        const int status = internal::measureObject({leftDepth, cloudSmall, leftCloud}, settings, result);
+        const int status = test::fast::measureObject({leftDepth, cloudSmall, leftCloud}, settings, result);
         if (first) {
             first = false;
-            // What is left of the cloud is the object, from which the plain form would draw the same box.
+            // The remaining points of the cloud are the object, from which the plain form would draw the same box.
             drawable = status != 0 || boxIsDrawable(leftCloud, in);
             firstResult = result;
             firstDepth = leftDepth;
@@ -417,7 +407,7 @@ void compareChains(Input& input) {
 /// Normal colours as a map holds them, with any values among them.
 cv::Mat anyColours(Input& input, const cv::Size& size) {
     cv::Mat map = input.flag() ? test::plain::computeNormalMap(anyCloud(input, size)) : anyCloud(input, size);
-    Noise noise(input.byte());
+    test::Draws noise(input.byte());
     for (int count = input.below(256); count > 0; --count) {
         const int row = noise.below(size.height);
         const int column = noise.below(size.width);
@@ -434,7 +424,7 @@ void compareNormalMaps(Input& input) {
     forEachLoopVariant([&](const std::string& name) {
         require(sameBits(internal::computeNormalMap(cloud), expected), name + ", map");
         cv::Vec3f bin;
-        internal::dominantNormalBin(expected, bin);
+        bin = internal::dominantNormalBin(expected);
         require(sameBits(bin, expectedBin), name + ", bin of the map");
     });
 }
@@ -444,7 +434,7 @@ void compareDominantBins(Input& input) {
     const cv::Vec3f expected = test::plain::dominantNormalBin(map);
     forEachLoopVariant([&](const std::string& name) {
         cv::Vec3f bin;
-        require(internal::dominantNormalBin(map, bin) == 0, name);
+        bin = internal::dominantNormalBin(map);
         require(sameBits(bin, expected), name);
     });
 }
@@ -459,7 +449,7 @@ void compareLeastSquares(Input& input) {
     forEachLoopVariant([&](const std::string& name) {
         cv::Vec3f normal = before;
         float offset = 7.0F;
-        require(internal::fitPlaneLeastSquares(cloud, normal, offset, minPoints) == expected, name);
+        require(test::fast::fitPlaneLeastSquares(cloud, normal, offset, minPoints) == expected, name);
         require(sameBits(normal, expectedNormal), name + ", normal");
         require(sameBits(offset, expectedOffset), name + ", offset");
     });
@@ -474,7 +464,7 @@ void compareGrowths(Input& input) {
     const cv::Mat expected = test::plain::growPlaneRegion(cloud, map, normal, seeds);
     forEachLoopVariant([&](const std::string& name) {
         cv::Mat grown = seeds.clone();
-        require(internal::growPlaneRegion(cloud, map, normal, grown) == 0, name);
+        require(test::fast::growPlaneRegion(cloud, map, normal, grown) == 0, name);
         require(sameBits(grown, expected), name);
     });
 }
@@ -499,7 +489,7 @@ void compareRansacs(Input& input) {
         cv::Vec3f normal = before;
         float offset = 7.0F;
         std::srand(seed);
-        require(internal::ransacFitPlane(cloud, map, bin, normal, offset) == expected, name);
+        require(test::fast::ransacFitPlane(cloud, map, bin, normal, offset) == expected, name);
         require(std::rand() == expectedDraw, name + ", number of draws");
         require(sameBits(normal, expectedNormal), name + ", normal");
         require(sameBits(offset, expectedOffset), name + ", offset");
@@ -528,8 +518,8 @@ void compareReferenceFits(Input& input) {
     }
     forEachLoopVariant([&](const std::string& name) {
         std::srand(seed);
-        const internal::Plane plane = growing ? internal::fitGrownPlane(cloud, part, minPoints, previous)
-                                              : internal::fitDominantPlane(cloud, previous);
+        const internal::Plane plane = growing ? internal::fitGrownPlane(cloud, part, minPoints, previous).plane
+                                              : internal::fitDominantPlane(cloud, previous).plane;
         require(sameBits(plane.normal, expected.normal), name + ", normal");
         require(sameBits(plane.offset, expected.offset), name + ", offset");
     });
@@ -544,11 +534,9 @@ void compareRegions(Input& input) {
     const internal::RegionCorners corners = internal::regionCorners(region);
     const cv::Mat expected = test::plain::pointsInsideRegion(cloud, corners);
     require(sameBits(internal::halfRegionArea(corners), test::plain::halfRegionArea(corners)), "half the area");
-    forEachLoopVariant([&](const std::string& name) {
-        cv::Mat inside;
-        internal::pointsInsideRegion(cloud, corners, inside);
-        require(sameBits(inside, expected), name);
-    });
+    cv::Mat inside;
+    internal::pointsInsideRegion(cloud, corners, inside);
+    require(sameBits(inside, expected), "the points inside the region");
 }
 
 void compareSmoothings(Input& input) {
@@ -557,15 +545,14 @@ void compareSmoothings(Input& input) {
     cv::Mat expected;
     cv::GaussianBlur(depth.clone(), once, cv::Size(5, 5), 0.0, 0.0, cv::BORDER_REFLECT_101);
     cv::GaussianBlur(once, expected, cv::Size(5, 5), 0.0, 0.0, cv::BORDER_REFLECT_101);
-    forEachLoopVariant(
-        [&](const std::string& name) { require(sameBits(internal::smoothDepth(depth), expected), name); });
+    require(sameBits(internal::smoothDepth(depth), expected), "the smoothed image");
 }
 
 void compareSelections(Input& input) {
     const int n = 1 + input.below(256);
     const int k = input.below(256) % n;
     std::vector<float> values(static_cast<std::size_t>(n));
-    Noise noise(input.byte());
+    test::Draws noise(input.byte());
     for (float& value : values) {
         value = input.empty() ? static_cast<float>(noise.below(100)) : input.anyReal();
     }
@@ -582,7 +569,7 @@ void compareSolutions(Input& input) {
         value = input.anyReal();
     }
     std::array<float, 3> x{1.0F, 2.0F, 3.0F};
-    const int status = internal::solve3x3(a, b, x);
+    const int status = test::fast::solve3x3(a, b, x);
     std::array<float, 3> expected{1.0F, 2.0F, 3.0F};
     require(status == test::plain::solve3x3(a.data(), b.data(), expected.data()), "whether it can be solved");
     require(sameBits(std::vector<float>(x.begin(), x.end()), std::vector<float>(expected.begin(), expected.end())),
@@ -611,9 +598,5 @@ constexpr std::array<void (*)(Input&), 21> kStages{
 }  // namespace quorvel::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace quorvel::fuzz;
-    prepareProcess();
-    Input input(data, size);
-    kStages[static_cast<std::size_t>(input.below(static_cast<int>(kStages.size())))](input);
-    return 0;
+    return quorvel::fuzz::workThrough(quorvel::fuzz::kStages, data, size);
 }

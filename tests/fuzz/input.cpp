@@ -105,7 +105,7 @@ cv::Mat anyStorage(Input& input, const cv::Size& size, int type) {
     if (input.flag()) {
         return {size, type, cv::Scalar::all(0)};
     }
-    constexpr int kBeside = 77;  // seen by whoever reads past the window
+    constexpr int kBeside = 77;  // a read beyond the window would find this value
     const cv::Mat parent(size.height + 3, size.width + 5, type, cv::Scalar::all(kBeside));
     cv::Mat window = parent(cv::Rect({2, 1}, size));
     window.setTo(cv::Scalar::all(0));

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string>
 
 #include <opencv2/core.hpp>
@@ -23,8 +24,15 @@ public:
     /// \param bound 1 ... 256
     /// \return 0 ... bound - 1
     int below(int bound) { return byte() % bound; }
+    /// \param list 1 ... 256 entries
+    /// \return one of them
+    template <typename List>
+    auto& oneOf(List& list) {
+        return list[static_cast<std::size_t>(below(static_cast<int>(std::size(list))))];
+    }
     std::uint16_t word() {
-        const int low = byte();  // in a statement of its own: compilers order the operands of a sum as they like
+        // A separate statement, because compilers may evaluate the operands of a sum in any order.
+        const int low = byte();
         return static_cast<std::uint16_t>(low + 256 * byte());
     }
     /// \return low ... high in 2^16 steps
@@ -51,22 +59,5 @@ private:
 
 /// \return a matrix of zeros; a window of a larger one now and then, so that its rows do not follow one another
 cv::Mat anyStorage(Input& input, const cv::Size& size, int type);
-
-/// Cheap numbers that look random, to fill pictures from a few bytes.
-class Noise {
-public:
-    explicit Noise(std::uint32_t seed) : state_(seed) {}
-
-    /// \return 0 ... bound - 1
-    int below(int bound) {
-        constexpr std::uint64_t kFactor = 1664525;
-        constexpr std::uint64_t kStep = 1013904223;
-        state_ = (state_ * kFactor + kStep) & 0xFFFFFFFFU;
-        return static_cast<int>((state_ >> 8U) % static_cast<std::uint64_t>(bound));
-    }
-
-private:
-    std::uint64_t state_;
-};
 
 }  // namespace quorvel::fuzz

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Whole lives of rulers: every public call in any order with any arguments, copies, stored captures, and a host that
-// writes into the public members. After each call what the call promises is checked.
+// writes into the public members. After each call the promises of that call are checked.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -16,12 +16,14 @@
 
 #include <quorvel/quorvel.h>
 
-#include "calib/calibration_file.h"
-#include "common/decimal_text.h"
+#include "files/calibration_file.h"
+#include "files/decimal_text.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
 #include "library/same_result.h"
 #include "library/same_ruler.h"
+#include "support/members.h"
+#include "support/random.h"
 #include "support/same_bits.h"
 
 namespace quorvel::fuzz {
@@ -46,7 +48,7 @@ struct World {
     std::vector<std::string> captures;  ///< folders, relative to the working folder
 
     explicit World(Input& bytes) : input(bytes) {}
-    Quorvel& ruler() { return *rulers[static_cast<std::size_t>(input.below(static_cast<int>(rulers.size())))]; }
+    Quorvel& ruler() { return *input.oneOf(rulers); }
 };
 
 // Pictures
@@ -60,7 +62,7 @@ void fillDepth(Input& input, cv::Mat& depth) {
     const int height = input.below(256);
     const int left = input.below(4);
     const float slope = kind == 3 ? input.real(-3.0F, 3.0F) : 0.0F;
-    Noise noise(input.byte());
+    test::Draws noise(input.byte());
     const cv::Rect box(depth.cols * left / 8, depth.rows / 4, depth.cols / 2, depth.rows / 2);
     for (int row = 0; row < depth.rows; ++row) {
         for (int column = 0; column < depth.cols; ++column) {
@@ -82,7 +84,7 @@ void fillDepth(Input& input, cv::Mat& depth) {
 /// An image that no ruler takes: another type, another size, empty, or of three dimensions.
 cv::Mat wrongImage(Input& input, const cv::Size& size) {
     const std::array<int, 6> types{CV_8UC1, CV_16UC1, CV_8UC3, CV_32FC1, CV_32FC3, CV_64FC4};
-    const int type = types[static_cast<std::size_t>(input.below(6))];
+    const int type = input.oneOf(types);
     switch (input.below(5)) {
         case 0:
             return {};
@@ -99,7 +101,7 @@ cv::Mat wrongImage(Input& input, const cv::Size& size) {
     }
 }
 
-/// Sizes above this are nobody's frames; a host may still have given them to the ruler.
+/// No camera has frames above this size, but a host may have given such a size to the ruler.
 cv::Size frameSize(const Quorvel& ruler) {
     constexpr int kLargest = 128;
     const bool sensible =
@@ -107,7 +109,7 @@ cv::Size frameSize(const Quorvel& ruler) {
     return sensible ? cv::Size(ruler.imageWidth, ruler.imageHeight) : cv::Size(16, 12);
 }
 
-/// Remembers what the host gave, so that it can be seen to stay as it is.
+/// Remembers the images that the host gave, to check later that they have not changed.
 cv::Mat give(World& world, const cv::Mat& image) {
     world.given.push_back(image);
     world.copies.push_back(image.clone());
@@ -134,7 +136,7 @@ cv::Mat anyDepthFrame(World& world, const Quorvel& ruler) {
     return give(world, depth);
 }
 
-// What holds
+// Conditions that must hold
 
 bool hasForm(const cv::Mat& image, const cv::Size& size, int type) {
     return image.dims == 2 && image.size() == size && image.type() == type;
@@ -161,8 +163,8 @@ void requireHostsImagesUntouched(const World& world) {
     }
 }
 
-/// Where an image's pixels are and how many; two of these differ when the image is another. All empty images are one:
-/// where OpenCV assigns one to an image of three dimensions, its rows stay at -1.
+/// The place and the size of an image's pixels, which differ for different images. All empty images are equal here,
+/// because OpenCV leaves -1 rows when an empty image is assigned to one of three dimensions.
 std::array<std::size_t, 4> identity(const cv::Mat& image) {
     if (image.empty()) {
         return {};
@@ -176,10 +178,10 @@ using Identities = std::vector<std::array<std::size_t, 4>>;
 Identities identities(const Quorvel& ruler) {
     Identities all;
     for (const auto& image : test::rulerImages()) {
-        all.push_back(identity(ruler.*image.second));
+        all.push_back(identity(ruler.*image.pointer));
     }
     for (const auto& buffer : test::rulerBuffers()) {
-        for (const cv::Mat& image : ruler.*buffer.second) {
+        for (const cv::Mat& image : ruler.*buffer.pointer) {
             all.push_back(identity(image));
         }
         all.emplace_back();  // between two buffers
@@ -208,7 +210,7 @@ void requireCurrentImages(const Quorvel& ruler) {
                 hasForm(ruler.pointCloudSmall, small, CV_32FC3) && hasForm(ruler.pointCloudSmallCopy, small, CV_32FC3),
             "a small image of the frame has another form");
     require(sameBits(ruler.pointCloudSmall, ruler.pointCloudSmallCopy), "the small cloud and its copy differ");
-    require(ruler.pointCloudSmall.data != ruler.pointCloudSmallCopy.data, "the small cloud's copy is none");
+    require(ruler.pointCloudSmall.data != ruler.pointCloudSmallCopy.data, "the small cloud's copy shares its pixels");
     bool same = true;
     for (int row = 0; row < full.height; ++row) {
         for (int column = 0; column < full.width; ++column) {
@@ -247,7 +249,7 @@ void requireSoundResult(const Quorvel& ruler, const cv::Size& small) {
     }
 }
 
-/// A file of the library was written whole, and nothing else was left beside it.
+/// Checks that a file of the library was written whole and that no other file was left beside it.
 void requireOnly(const fs::path& folder, const std::vector<std::string>& names) {
     for (const auto& entry : fs::directory_iterator(folder)) {
         const std::string name = entry.path().filename().string();
@@ -264,7 +266,7 @@ void construct(World& world) {
     }
     const std::array<cv::Size, 8> sizes{cv::Size(64, 48), cv::Size(80, 64), cv::Size(33, 17), cv::Size(8, 8),
                                         cv::Size(4, 5),   cv::Size(3, 3),   cv::Size(32, 24), cv::Size(72, 60)};
-    cv::Size size = sizes[static_cast<std::size_t>(input.below(8))];
+    cv::Size size = input.oneOf(sizes);
     float fx = static_cast<float>(size.width);
     float fy = fx;
     float cx = fx / 2.0F;
@@ -281,7 +283,7 @@ void construct(World& world) {
     const bool offline = input.below(4) == 0;
     std::string folder = input.flag() ? "" : "nowhere";
     if (!world.captures.empty() && input.flag()) {
-        folder = world.captures[static_cast<std::size_t>(input.below(static_cast<int>(world.captures.size())))];
+        folder = input.oneOf(world.captures);
     }
     const bool thereIs = fs::is_directory(folder);
     auto ruler = std::make_unique<Quorvel>(fx, fy, cx, cy, size.width, size.height, offline, folder);
@@ -353,7 +355,7 @@ void measureOnce(World& world) {
     ruler.result.length = 5.0F;
     ruler.result.inView = true;
     const int status = ruler.measureOnce();
-    require(status == 0 || status == 1, "a status that is none");
+    require(status == 0 || status == 1, "a status other than 0 and 1");
     const int type = ruler.productType;
     const bool measures = type == KIOSK || type == GROUND_TRACKING || type == GROUND_GROWING;
     if (status != 0 || !measures) {
@@ -415,7 +417,7 @@ void takeBatch(World& world) {
 
 bool buffersEmpty(const Quorvel& ruler) {
     for (const auto& buffer : test::rulerBuffers()) {
-        if (!(ruler.*buffer.second).empty()) {
+        if (!(ruler.*buffer.pointer).empty()) {
             return false;
         }
     }
@@ -434,7 +436,7 @@ void measureMultiple(World& world) {
     const float height = loose ? 1000.0F : world.input.anyReal();
     const cv::Mat lastDepth = ruler.depthFrameBuffer.empty() ? cv::Mat() : ruler.depthFrameBuffer.back();
     const int status = ruler.measureMultiple(length, width, height);
-    require(status == 0 || status == 1, "a status that is none");
+    require(status == 0 || status == 1, "a status other than 0 and 1");
     require(buffersEmpty(ruler) || keeps, "a measured batch is still there");
     if (status != 0) {
         requireEmptyResult(ruler.result, "a result is left of a batch that failed");
@@ -466,7 +468,9 @@ void calibrate(World& world) {
             "a cloud of the calibration has another form");
     if (ruler.paramDir == "./param" && ruler.calFilePath == "./param/cal.txt" && writable) {
         internal::Plane plane;
-        require(internal::readCalibrationFile(ruler.calFilePath, plane), "the calibration file is not there");
+        const std::optional<internal::Plane> read = internal::readCalibrationFile(ruler.calFilePath, plane);
+        require(read.has_value(), "the calibration file is not there");
+        plane = *read;
         require(readText(ruler.calFilePath) == internal::sixDecimals(ruler.refPlaneNormal[0]) + ' ' +
                                                    internal::sixDecimals(ruler.refPlaneNormal[1]) + ' ' +
                                                    internal::sixDecimals(ruler.refPlaneNormal[2]) + ' ' +
@@ -537,7 +541,7 @@ void changeSettings(World& world) {
 
 void askForLittle(World& world) {
     Quorvel& ruler = world.ruler();
-    require(ruler.getVersion() == "3.6.4.1", "the version");
+    require(ruler.getVersion() == QUORVEL_VERSION, "the version");
     require(ruler.stop() == 0, "stopping");
     const Identities before = identities(ruler);
     require(ruler.ransacCalibRef() == 0 && identities(ruler) == before, "a fit changed an image");
@@ -545,7 +549,7 @@ void askForLittle(World& world) {
 
 std::string anyParameterPath(Input& input) {
     const std::array<std::string, 8> paths{"p.yml", "p.xml", "p.json", "p", "", "p?.yml", "sub/p.yml", "p.yml.gz"};
-    return paths[static_cast<std::size_t>(input.below(8))];
+    return input.oneOf(paths);
 }
 
 void saveParameters(World& world) {
@@ -669,8 +673,8 @@ cv::Mat hostsImage(World& world, const Quorvel& ruler) {
     Input& input = world.input;
     const auto images = test::rulerImages();
     if (input.flag()) {
-        const auto& image = images[static_cast<std::size_t>(input.below(static_cast<int>(images.size())))];
-        return ruler.*image.second;
+        const auto& image = input.oneOf(images);
+        return ruler.*image.pointer;
     }
     return wrongImage(input, frameSize(ruler));
 }
@@ -680,12 +684,12 @@ void writeImages(World& world, Quorvel& ruler) {
     const auto images = test::rulerImages();
     const auto buffers = test::rulerBuffers();
     if (input.flag()) {
-        const auto& image = images[static_cast<std::size_t>(input.below(static_cast<int>(images.size())))];
-        ruler.*image.second = hostsImage(world, ruler);
+        const auto& image = input.oneOf(images);
+        ruler.*image.pointer = hostsImage(world, ruler);
         return;
     }
-    const auto& chosen = buffers[static_cast<std::size_t>(input.below(static_cast<int>(buffers.size())))];
-    std::vector<cv::Mat>& buffer = ruler.*chosen.second;
+    const auto& chosen = input.oneOf(buffers);
+    std::vector<cv::Mat>& buffer = ruler.*chosen.pointer;
     switch (input.below(3)) {
         case 0:
             buffer.push_back(hostsImage(world, ruler));
@@ -719,22 +723,18 @@ void writeHostilePlane(Input& input, Quorvel& ruler) {
 }
 
 void writeNumbers(Input& input, Quorvel& ruler) {
-    const std::array<float Quorvel::*, 12> reals{
-        &Quorvel::fx,      &Quorvel::fy,         &Quorvel::invFx,        &Quorvel::invFy,
-        &Quorvel::cx,      &Quorvel::cy,         &Quorvel::invFxSmall,   &Quorvel::cxSmall,
-        &Quorvel::fxSmall, &Quorvel::cameraType, &Quorvel::cameraHeight, &Quorvel::minObjectHeight};
-    const std::array<int Quorvel::*, 5> wholes{&Quorvel::imageWidth, &Quorvel::imageHeight, &Quorvel::downScale,
-                                               &Quorvel::minObjectPixels, &Quorvel::productType};
+    const auto reals = test::membersOf<float>();
+    const auto wholes = test::membersOf<int>();
     if (input.flag()) {
-        ruler.*reals[static_cast<std::size_t>(input.below(12))] = input.anyReal();
+        ruler.*input.oneOf(reals).pointer = input.anyReal();
     } else {
-        ruler.*wholes[static_cast<std::size_t>(input.below(5))] = input.anyInt();
+        ruler.*input.oneOf(wholes).pointer = input.anyInt();
     }
 }
 
 void writeSwitchesAndPaths(Input& input, Quorvel& ruler) {
     const std::array<std::string, 5> paths{"", "./param", "nowhere/deep", "param/cal.txt", "./param/cal.txt"};
-    const auto& path = paths[static_cast<std::size_t>(input.below(5))];
+    const auto& path = input.oneOf(paths);
     switch (input.below(6)) {
         case 0:
             ruler.offlineMode = input.flag();

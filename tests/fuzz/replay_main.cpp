@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Runs a target over files instead of a fuzzer's inventions, with any compiler and on any platform.
+// Runs a target over files instead of inputs made by a fuzzer, with any compiler and on any platform.
 // Usage: fuzz_TARGET FILE_OR_FOLDER...
 #include <algorithm>
 #include <filesystem>
@@ -37,7 +37,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     for (const fs::path& file : files) {
-        // Named beforehand: an input that ends the process is the last one named.
+        // Printed before the run, so that the last line names the input that ended the process.
         std::cerr << file.filename().string() << std::endl;
         const std::string bytes = quorvel::fuzz::readFile(file.string());
         const std::vector<std::uint8_t> data(bytes.begin(), bytes.end());

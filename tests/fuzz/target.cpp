@@ -17,7 +17,7 @@ namespace quorvel::fuzz {
 
 namespace {
 
-/// Takes whatever is written to it; the text is put together as on a terminal.
+/// A stream buffer that drops everything; numbers are still formatted, as for a terminal.
 class NullBuffer : public std::streambuf {
     int_type overflow(int_type character) override { return traits_type::not_eof(character); }
 };
@@ -32,7 +32,7 @@ std::string contentOf(std::ifstream file, const std::string& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// Everything that a process needs once.
+/// Things that are set up once in a process.
 class Process {
 public:
     Process() : previous_(std::cout.rdbuf(&nothing_)) {

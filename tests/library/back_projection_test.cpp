@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ruler/back_projection.h"
+#include "image/back_projection.h"
 
 #include <cmath>
 
@@ -14,10 +14,16 @@ namespace quorvel::test {
 
 namespace {
 
+cv::Mat backProjected(const cv::Mat& depth, const internal::BackProjection& camera) {
+    cv::Mat cloud;
+    internal::backProject(depth, camera, cloud);
+    return cloud;
+}
+
 TEST(BackProjection, TurnsPixelsIntoPoints) {
     // cx = 1, cy = 0.5, 1 / fx = 0.01, 1 / fy = 0.02.
     cv::Mat depth = (cv::Mat_<ushort>(2, 3) << 1000, 500, 0, 0, 65535, 200);
-    const cv::Mat cloud = internal::backProject(depth, {1, 0.5F, 0.01F, 0.02F});
+    const cv::Mat cloud = backProjected(depth, {1, 0.5F, 0.01F, 0.02F});
     ASSERT_EQ(cloud.type(), CV_32FC3);
     ASSERT_EQ(cloud.size(), depth.size());
     EXPECT_EQ(cloud.at<cv::Vec3f>(0, 0), cv::Vec3f(-1000 * 0.01F, -500 * 0.02F, 1000));
@@ -31,7 +37,7 @@ TEST(BackProjection, TurnsPixelsIntoPoints) {
 TEST(BackProjection, MultipliesByTheDepthBeforeTheInverseFocalLength) {
     // Any other order gives other bits in this example.
     const cv::Mat depth(1, 4, CV_16UC1, cv::Scalar(11));
-    const cv::Mat cloud = internal::backProject(depth, {0, 0, 0.1F, 0.1F});
+    const cv::Mat cloud = backProjected(depth, {0, 0, 0.1F, 0.1F});
     EXPECT_EQ(cloud.at<cv::Vec3f>(0, 3)[0], 33.0F * 0.1F);
     ASSERT_NE(3.0F * 0.1F * 11.0F, 33.0F * 0.1F) << "the example must tell the orders apart";
     ASSERT_NE(3.0F * (0.1F * 11.0F), 33.0F * 0.1F) << "the example must tell the orders apart";
@@ -40,7 +46,7 @@ TEST(BackProjection, MultipliesByTheDepthBeforeTheInverseFocalLength) {
 TEST(BackProjection, LeavesPointsWithoutDepthAtZeroEvenWithInfiniteInverses) {
     cv::Mat depth = cv::Mat::zeros(1, 2, CV_16UC1);
     depth.at<ushort>(0, 1) = 5;
-    const cv::Mat cloud = internal::backProject(depth, {0, 0, kInfinity, kInfinity});
+    const cv::Mat cloud = backProjected(depth, {0, 0, kInfinity, kInfinity});
     EXPECT_EQ(cloud.at<cv::Vec3f>(0, 0), cv::Vec3f(0, 0, 0));
     EXPECT_EQ(cloud.at<cv::Vec3f>(0, 1)[0], kInfinity);
     EXPECT_TRUE(std::isnan(cloud.at<cv::Vec3f>(0, 1)[1])) << "row 0 lies on the principal point: 0 * inf";
@@ -53,7 +59,9 @@ INSTANTIATE_TEST_SUITE_P(Loops, BackProjectionLoops, runnableLoopVariants(), loo
 TEST_P(BackProjectionLoops, AgreesWithThePlainFormOnRandomImages) {
     Draws draws(113);
     for (int run = 0; run < 2000; ++run) {
-        cv::Mat depth = drawMatrix(draws, {draws.between(1, 40), draws.between(1, 15)}, CV_16UC1);
+        const int columns = draws.between(1, 40);
+        const int rows = draws.between(1, 15);
+        cv::Mat depth = drawMatrix(draws, {columns, rows}, CV_16UC1);
         const int absent = draws.chance(20) ? 100 : draws.below(50);
         for (int i = 0; i < depth.rows * depth.cols; ++i) {
             if (!draws.chance(absent)) {
@@ -64,8 +72,8 @@ TEST_P(BackProjectionLoops, AgreesWithThePlainFormOnRandomImages) {
         const float cy = draws.real(-10, 50);
         const float invFx = draws.chance(5) ? kInfinity : draws.real(0.0005F, 0.01F);
         const float invFy = draws.real(0.0005F, 0.01F);
-        ASSERT_TRUE(sameBits(internal::backProject(depth, {cx, cy, invFx, invFy}),
-                             plain::backProject(depth, cx, cy, invFx, invFy)))
+        ASSERT_TRUE(
+            sameBits(backProjected(depth, {cx, cy, invFx, invFy}), plain::backProject(depth, cx, cy, invFx, invFy)))
             << "run " << run;
     }
 }

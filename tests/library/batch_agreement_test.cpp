@@ -1,33 +1,64 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "multi/batch_agreement.h"
-
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "library/measure_draws.h"
 #include "library/same_result.h"
+#include "measure/batch_account.h"
 
 namespace quorvel::test {
 
 namespace {
 
-using internal::BatchTolerances;
-using internal::meanRecord;
-using internal::recordsAgree;
+using BatchTolerances = internal::Sizes;
+
+/// The account of a frame that ended with this record.
+internal::MeasureAccount accountFor(const MeasureResult& record) {
+    internal::MeasureAccount account;
+    account.outcome =
+        record.inView && !record.corners.empty() ? internal::Outcome::Measured : internal::Outcome::OutOfView;
+    account.footprint.sizes = {record.length, record.width, record.height};
+    return account;
+}
+
+internal::BatchAccount judge(const std::vector<MeasureResult>& records, const BatchTolerances& tolerances) {
+    std::vector<internal::MeasureAccount> frames;
+    std::transform(records.begin(), records.end(), std::back_inserter(frames), accountFor);
+    return internal::judgeBatch(frames, tolerances);
+}
+
+bool recordsAgree(const std::vector<MeasureResult>& records, const BatchTolerances& tolerances) {
+    return judge(records, tolerances).outcome == internal::BatchOutcome::Agreed;
+}
+
+/// The last record with the mean sizes of all.
+MeasureResult meanRecord(const std::vector<MeasureResult>& records) {
+    std::vector<internal::Sizes> sizes;
+    for (const MeasureResult& record : records) {
+        sizes.push_back({record.length, record.width, record.height});
+    }
+    const internal::Sizes mean = internal::meanSizes(sizes);
+    MeasureResult result = records.back();
+    result.length = mean.length;
+    result.width = mean.width;
+    result.height = mean.height;
+    return result;
+}
 
 /// One of the three sizes that a batch compares, with its tolerance.
-struct Dimension {
+struct NamedSize {
     const char* name;
     float MeasureResult::*size;
     float BatchTolerances::*tolerance;
 };
 
-const std::array<Dimension, 3> kDimensions{{{"length", &MeasureResult::length, &BatchTolerances::length},
+const std::array<NamedSize, 3> kDimensions{{{"length", &MeasureResult::length, &BatchTolerances::length},
                                             {"width", &MeasureResult::width, &BatchTolerances::width},
                                             {"height", &MeasureResult::height, &BatchTolerances::height}}};
 
@@ -37,7 +68,7 @@ MeasureResult usable(float length = 300, float width = 200, float height = 100) 
 }
 
 /// Records that differ in one size only.
-std::vector<MeasureResult> spread(const Dimension& dimension, const std::vector<float>& sizes) {
+std::vector<MeasureResult> spread(const NamedSize& dimension, const std::vector<float>& sizes) {
     std::vector<MeasureResult> records;
     for (const float size : sizes) {
         records.push_back(usable());
@@ -47,14 +78,14 @@ std::vector<MeasureResult> spread(const Dimension& dimension, const std::vector<
 }
 
 /// Tolerances of 50 mm but for one.
-BatchTolerances only(const Dimension& dimension, float tolerance) {
+BatchTolerances only(const NamedSize& dimension, float tolerance) {
     BatchTolerances tolerances{50, 50, 50};
     tolerances.*dimension.tolerance = tolerance;
     return tolerances;
 }
 
 TEST(RecordsAgree, PassesADifferenceEqualToItsToleranceAndNoneAbove) {
-    for (const Dimension& dimension : kDimensions) {
+    for (const NamedSize& dimension : kDimensions) {
         const float limit = 4;
         const BatchTolerances tolerances = only(dimension, limit);
         const float below = std::nextafter(104.0F, 0.0F);
@@ -68,7 +99,7 @@ TEST(RecordsAgree, PassesADifferenceEqualToItsToleranceAndNoneAbove) {
 }
 
 TEST(RecordsAgree, ComparesEachSizeWithItsOwnTolerance) {
-    for (const Dimension& dimension : kDimensions) {
+    for (const NamedSize& dimension : kDimensions) {
         const std::vector<MeasureResult> records = spread(dimension, {100, 105});
         EXPECT_FALSE(recordsAgree(records, only(dimension, std::nextafter(5.0F, 0.0F)))) << dimension.name;
         EXPECT_TRUE(recordsAgree(records, only(dimension, 5))) << dimension.name;
@@ -79,7 +110,7 @@ TEST(RecordsAgree, ComparesEachSizeWithItsOwnTolerance) {
 }
 
 TEST(RecordsAgree, TakesTheSpreadOfTheWholeBatchNotThatOfNeighbours) {
-    for (const Dimension& dimension : kDimensions) {
+    for (const NamedSize& dimension : kDimensions) {
         for (const std::vector<float>& sizes :
              {std::vector<float>{100, 102, 104}, {102, 100, 104}, {104, 102, 100}, {102, 104, 102, 100}}) {
             EXPECT_TRUE(recordsAgree(spread(dimension, sizes), only(dimension, 4.0F))) << dimension.name;
@@ -89,7 +120,7 @@ TEST(RecordsAgree, TakesTheSpreadOfTheWholeBatchNotThatOfNeighbours) {
 }
 
 TEST(RecordsAgree, FailsForOneDisagreeingFrameInAnyPlace) {
-    for (const Dimension& dimension : kDimensions) {
+    for (const NamedSize& dimension : kDimensions) {
         for (std::size_t at = 0; at < 5; ++at) {
             std::vector<float> sizes(5, 100.0F);
             sizes[at] = 106;
@@ -126,7 +157,7 @@ TEST(RecordsAgree, NeedsNoSecondRecord) {
 }
 
 TEST(RecordsAgree, TakesZeroAndNegativeTolerancesAsTheyAre) {
-    for (const Dimension& dimension : kDimensions) {
+    for (const NamedSize& dimension : kDimensions) {
         EXPECT_TRUE(recordsAgree(spread(dimension, {100, 100, 100}), only(dimension, 0))) << dimension.name;
         EXPECT_FALSE(recordsAgree(spread(dimension, {100, std::nextafter(100.0F, 0.0F)}), only(dimension, 0)))
             << dimension.name;
@@ -137,7 +168,7 @@ TEST(RecordsAgree, TakesZeroAndNegativeTolerancesAsTheyAre) {
 
 TEST(RecordsAgree, NeverExceedsAToleranceWhereOneOfTheTwoIsNoNumber) {
     // A comparison with NaN is false, so nothing disagrees.
-    for (const Dimension& dimension : kDimensions) {
+    for (const NamedSize& dimension : kDimensions) {
         EXPECT_TRUE(recordsAgree(spread(dimension, {100, kNaN}), only(dimension, 0))) << dimension.name;
         EXPECT_TRUE(recordsAgree(spread(dimension, {kNaN, 100}), only(dimension, 0))) << dimension.name;
         EXPECT_TRUE(recordsAgree(spread(dimension, {100, 900}), only(dimension, kNaN))) << dimension.name;
@@ -158,11 +189,12 @@ TEST(RecordsAgree, FindsTheSameAsTheLargestAndTheSmallestSize) {
         const int count = draws.between(1, 6);
         records.reserve(6);
         for (int i = 0; i < count; ++i) {
-            records.push_back(usable(draws.real(300, 305), draws.real(200, 205), draws.real(100, 105)));
+            const cv::Vec3f sizes{draws.real(300, 305), draws.real(200, 205), draws.real(100, 105)};
+            records.push_back(usable(sizes[0], sizes[1], sizes[2]));
         }
         const BatchTolerances tolerances{draws.real(2, 6), draws.real(2, 6), draws.real(2, 6)};
         bool expected = true;
-        for (const Dimension& dimension : kDimensions) {
+        for (const NamedSize& dimension : kDimensions) {
             float low = records.front().*dimension.size;
             float high = low;
             for (const MeasureResult& record : records) {
@@ -212,7 +244,8 @@ TEST(MeanRecord, AgreesWithAPlainLoopForRandomSizes) {
         const int count = draws.between(1, 40);
         records.reserve(40);
         for (int i = 0; i < count; ++i) {
-            records.push_back(usable(draws.real(-1e4F, 1e6F), draws.real(0, 1), draws.real(0, 1000)));
+            const cv::Vec3f sizes{draws.real(-1e4F, 1e6F), draws.real(0, 1), draws.real(0, 1000)};
+            records.push_back(usable(sizes[0], sizes[1], sizes[2]));
         }
         std::array<float, 3> sums{};
         for (const MeasureResult& record : records) {
@@ -231,6 +264,39 @@ TEST(MeanRecord, IsNoNumberWhereOneSizeIsNone) {
     EXPECT_TRUE(std::isnan(mean.length));
     EXPECT_EQ(mean.width, 200.0F);
     EXPECT_EQ(mean.height, kInfinity);
+}
+
+TEST(JudgeBatch, NamesTheFirstTwoFramesThatDisagreeAndInWhat) {
+    const internal::BatchAccount account =
+        judge({usable(300, 200, 100), usable(301, 200, 103), usable(310, 200, 104)}, {5, 5, 3.5F});
+    EXPECT_EQ(account.outcome, internal::BatchOutcome::FramesDisagree);
+    ASSERT_TRUE(account.disagreement);
+    EXPECT_EQ(account.disagreement->first, 0U);
+    EXPECT_EQ(account.disagreement->second, 2U);
+    EXPECT_EQ(account.disagreement->dimension, internal::Dimension::Height) << "compared before width and length";
+    EXPECT_EQ(account.disagreement->difference, 4.0F);
+    EXPECT_EQ(account.disagreement->tolerance, 3.5F);
+    ASSERT_TRUE(account.spread);
+    EXPECT_EQ(account.spread->length, 10.0F);
+    EXPECT_EQ(account.spread->width, 0.0F);
+    EXPECT_EQ(account.spread->height, 4.0F);
+}
+
+TEST(JudgeBatch, AFrameWithoutAnObjectComesBeforeOneWithoutSizes) {
+    std::vector<internal::MeasureAccount> frames{accountFor(usable()), accountFor(usable()), accountFor(usable())};
+    frames[1].outcome = internal::Outcome::MissesArea;
+    internal::BatchAccount account = internal::judgeBatch(frames, {5, 5, 5});
+    EXPECT_EQ(account.outcome, internal::BatchOutcome::FrameWithoutSizes);
+    EXPECT_EQ(account.spoiler, 1U);
+    EXPECT_FALSE(account.spread);
+    frames[2].outcome = internal::Outcome::RegionTooSmall;
+    account = internal::judgeBatch(frames, {5, 5, 5});
+    EXPECT_EQ(account.outcome, internal::BatchOutcome::FrameNotMeasured);
+    EXPECT_EQ(account.spoiler, 2U);
+}
+
+TEST(JudgeBatch, AnEmptyBatchHasNoFrames) {
+    EXPECT_EQ(internal::judgeBatch({}, {5, 5, 5}).outcome, internal::BatchOutcome::NoFrames);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,6 +12,7 @@
 
 #include <quorvel/quorvel.h>
 
+#include "image/kept_images.h"
 #include "library/depth_scene.h"
 #include "library/frame_draws.h"
 #include "library/plain/batch.h"
@@ -48,7 +51,8 @@ struct WithBatch {
 
     WithBatch() {
         EXPECT_TRUE(ruler.getCameraMultipleFrame(batch.colors, batch.depths));
-        EXPECT_TRUE(ruler.getCameraFrame(drawColor(draws, kSize), drawDepth(draws, kSize)));
+        const cv::Mat color = drawColor(draws, kSize);
+        EXPECT_TRUE(ruler.getCameraFrame(color, drawDepth(draws, kSize)));
         ruler.auxImage = cv::Mat(2, 2, CV_8UC1, cv::Scalar(5));
         ruler.result = {{{1, 2}}, 3, 4, 5, true, true, 6};
     }
@@ -104,10 +108,8 @@ TEST(BatchIntake, BackProjectsEveryFrameWithTheIntrinsicsOfEachScale) {
 TEST(BatchIntake, AgreesWithThePlainFormForRandomBatches) {
     Draws draws(411);
     for (int run = 0; run < 120; ++run) {
-        const cv::Size size(draws.between(4, 70), draws.between(4, 50));
-        Quorvel ruler(draws.real(20, 90), draws.real(20, 90), draws.real(0, 60), draws.real(0, 40), size.width,
-                      size.height, false, "");
-        ruler.downScale = draws.between(1, 4);
+        Quorvel ruler = drawRuler(draws);
+        const cv::Size size(ruler.imageWidth, ruler.imageHeight);
         Quorvel byHand(ruler);
         for (int call = 0; call < 2; ++call) {
             const Batch batch = drawBatch(draws, size, draws.between(1, 5));
@@ -221,6 +223,130 @@ TEST(BatchIntake, LeavesTheThirdImageAndTheResult) {
     ASSERT_TRUE(w.ruler.getCameraMultipleFrame(w.batch.colors, w.batch.depths));
     EXPECT_TRUE(sameBits(w.ruler.auxImage, aux));
     EXPECT_TRUE(sameResult(w.ruler.result, result));
+}
+
+/// The buffers whose images the library makes.
+const std::array<std::vector<cv::Mat> Quorvel::*, 5> kDerived{
+    &Quorvel::pointCloudBuffer, &Quorvel::colorSmallBuffer, &Quorvel::pointCloudSmallBuffer, &Quorvel::depthSmallBuffer,
+    &Quorvel::pointCloudSmallCopyBuffer};
+
+/// Leaves images full of ones for the next intake.
+void leaveOddStorage(const cv::Size& size, const cv::Size& smallSize, int frames) {
+    for (int i = 0; i < frames; ++i) {
+        for (const int type : {CV_8UC3, CV_16UC1, CV_32FC3}) {
+            for (const cv::Size& form : {size, smallSize, smallSize}) {
+                cv::Mat image(form, type);
+                std::memset(image.data, 0xFF, image.total() * image.elemSize());
+                internal::KeptImages::instance().giveBack(std::move(image));
+            }
+        }
+    }
+}
+
+TEST(BatchIntake, OverwritesAllOfTheStorageThatItUsesAgain) {
+    Draws draws(412);
+    for (int run = 0; run < 30; ++run) {
+        const cv::Size size(draws.between(8, 70), draws.between(8, 50));
+        Quorvel ruler(60, 61, 31, 25, size.width, size.height, false, "");
+        ruler.downScale = draws.between(1, 4);
+        Quorvel byHand(ruler);
+        leaveOddStorage(size, {size.width / ruler.downScale, size.height / ruler.downScale}, 3);
+        const std::size_t before = internal::KeptImages::instance().bytes();
+        const Batch batch = drawBatch(draws, size, 3);
+        ASSERT_TRUE(ruler.getCameraMultipleFrame(batch.colors, batch.depths));
+        EXPECT_LT(internal::KeptImages::instance().bytes(), before) << "none of it was used";
+        plain::takeBatch(byHand, batch.colors, batch.depths);
+        ASSERT_TRUE(sameRuler(ruler, byHand)) << "run " << run << ", size " << size;
+    }
+}
+
+TEST(BatchIntake, UsesTheStorageOfTheBatchBefore) {
+    WithBatch w;
+    std::set<const uchar*> before;
+    for (const auto buffer : kDerived) {
+        for (const cv::Mat& image : w.ruler.*buffer) {
+            before.insert(image.data);
+        }
+    }
+    ASSERT_TRUE(w.ruler.getCameraMultipleFrame(w.batch.colors, w.batch.depths));
+    for (const auto buffer : kDerived) {
+        for (const cv::Mat& image : w.ruler.*buffer) {
+            EXPECT_EQ(before.count(image.data), 1U);
+        }
+    }
+}
+
+TEST(BatchIntake, LeavesTheImagesThatAHostTookFromTheBuffers) {
+    WithBatch w;
+    std::vector<cv::Mat> held;
+    std::vector<cv::Mat> pixels;
+    for (const auto buffer : kDerived) {
+        for (const cv::Mat& image : w.ruler.*buffer) {
+            held.push_back(image);
+            pixels.push_back(image.clone());
+        }
+    }
+    Quorvel other = smallRuler();
+    for (int round = 0; round < 3; ++round) {
+        const Batch next = drawBatch(w.draws, kSize, 4);
+        ASSERT_TRUE(w.ruler.getCameraMultipleFrame(next.colors, next.depths));
+        ASSERT_TRUE(other.getCameraMultipleFrame(next.colors, next.depths));
+        w.ruler.measureMultiple(5, 5, 5);
+        other.measureMultiple(5, 5, 5);
+        for (std::size_t i = 0; i < held.size(); ++i) {
+            ASSERT_TRUE(sameBits(held[i], pixels[i])) << "image " << i << ", round " << round;
+        }
+    }
+}
+
+TEST(BatchIntake, KeepsNoMoreStorageWithEveryBatchOfDroppedFrames) {
+    // The ruler is the last to hold the frames: the current images own the storage of the last one.
+    Draws draws(414);
+    const DepthScene scene = blockScene(200);
+    Quorvel ruler = scene.ruler();
+    ruler.productType = KIOSK;
+    setPlane(ruler, {0, 0, 1}, scene.distance, 5);
+    ruler.effectiveRegion = cv::Rect(cv::Point(0, 0), scene.size);
+    const auto measureBatch = [&] {
+        const std::vector<cv::Mat> colors{scene.color(), scene.color()};
+        const cv::Mat first = scene.depth(draws);
+        ASSERT_TRUE(ruler.getCameraMultipleFrame(colors, {first, scene.depth(draws)}));
+    };
+    std::size_t warm = 0;
+    for (int run = 0; run < 20; ++run) {
+        measureBatch();
+        ASSERT_EQ(ruler.measureMultiple(50, 50, 50), 0) << "run " << run;
+        warm = run == 2 ? internal::KeptImages::instance().bytes() : warm;
+    }
+    EXPECT_EQ(internal::KeptImages::instance().bytes(), warm);
+}
+
+TEST(BatchIntake, LeavesTheFramesOfTheHost) {
+    WithBatch w;
+    const Batch before = w.batch.clone();
+    for (int round = 0; round < 3; ++round) {
+        const Batch next = drawBatch(w.draws, kSize, 3);
+        ASSERT_TRUE(w.ruler.getCameraMultipleFrame(next.colors, next.depths));
+        for (std::size_t i = 0; i < before.colors.size(); ++i) {
+            ASSERT_TRUE(sameBits(w.batch.colors[i], before.colors[i])) << i;
+            ASSERT_TRUE(sameBits(w.batch.depths[i], before.depths[i])) << i;
+        }
+    }
+}
+
+TEST(BatchIntake, NeverKeepsTheFramesOfTheHost) {
+    // Frames that only the ruler holds when the batch is dropped.
+    Draws draws(413);
+    Quorvel ruler = smallRuler();
+    {
+        const Batch batch = drawBatch(draws, kSize, 3).clone();
+        ASSERT_TRUE(ruler.getCameraMultipleFrame(batch.colors, batch.depths));
+    }
+    const std::size_t before = internal::KeptImages::instance().bytes();
+    ruler.productType = GROUND_GROWING;
+    ASSERT_EQ(ruler.measureMultiple(5, 5, 5), 1) << "a mode that measures none drops the batch";
+    constexpr std::size_t kDerivedBytes = 3 * (64 * 48 * 12 + 16 * 12 * (3 + 2 + 12 + 12));
+    EXPECT_EQ(internal::KeptImages::instance().bytes(), before + kDerivedBytes);
 }
 
 TEST(BatchIntake, AcceptsTheRulersOwnImagesAsABatch) {
@@ -464,7 +590,7 @@ TEST(BatchIntake, FitsThePlaneToTheFirstFrameOnlyInGroundTracking) {
     scene.size = {400, 320};
     scene.focal = 380;
     scene.noise = 1;
-    Draws draws(8);
+    Draws draws(9);
     const cv::Mat nearDepth = scene.depth(draws);
     scene.distance = 1400;
     const cv::Mat farDepth = scene.depth(draws);
@@ -501,7 +627,7 @@ TEST(BatchIntake, CountsAsCalibratedInGroundTrackingEvenWhenTheFitFails) {
 }
 
 TEST(BatchIntake, LooksForEmptyFramesBeforeItChecksTheOthers) {
-    // As for a single frame: an empty image is told first, whatever the other images are.
+    // As for a single frame, an empty image is reported before any other defect.
     WithBatch w;
     w.ruler.debugMode = true;
     const cv::Mat odd(2, 3, CV_32FC1, cv::Scalar(1));

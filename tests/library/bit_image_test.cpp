@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "common/bit_image.h"
+#include "image/bit_image.h"
 
 #include <bitset>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "common/bits.h"
-#include "library/measure_draws.h"
+#include "support/random.h"
 
 namespace quorvel::test {
 
@@ -44,6 +43,39 @@ TEST(Bits, AgreeWithABitset) {
     EXPECT_EQ(internal::lowestBits(1), 1U);
     EXPECT_EQ(internal::lowestBits(63), ~std::uint64_t{0} >> 1);
     EXPECT_EQ(internal::lowestBits(64), ~std::uint64_t{0});
+}
+
+TEST(Bits, CountUpToEveryByte) {
+    EXPECT_EQ(internal::setBitsUpToByte(0x8000000000000103U), 0x0403030303030302U);
+    EXPECT_EQ(internal::setBitsUpToByte(~std::uint64_t{0}), 0x4038302820181008U);
+}
+
+TEST(BitImage, ShowsEveryPixelItsNeighboursAcrossWords) {
+    Draws draws(132);
+    constexpr int kWords = 3;
+    for (int run = 0; run < 200; ++run) {
+        std::vector<std::uint64_t> row;
+        for (int word = 0; word < kWords; ++word) {
+            row.push_back(drawWord(draws));
+        }
+        const auto at = [&row](int column) {
+            return column >= 0 && column < 64 * kWords &&
+                   (row[static_cast<std::size_t>(column / 64)] >> (column % 64) & 1U) != 0;
+        };
+        for (int column = 0; column < 64 * kWords; ++column) {
+            const std::uint64_t left = internal::fromLeft(row.data(), column / 64);
+            const std::uint64_t right = internal::fromRight(row.data(), column / 64, kWords);
+            ASSERT_EQ((left & internal::bitOf(column)) != 0, at(column - 1)) << column;
+            ASSERT_EQ((right & internal::bitOf(column)) != 0, at(column + 1)) << column;
+        }
+    }
+}
+
+TEST(BitImage, SetsOneBit) {
+    std::vector<std::uint64_t> row(2);
+    internal::setBit(row.data(), 3);
+    internal::setBit(row.data(), 64);
+    EXPECT_EQ(row, (std::vector<std::uint64_t>{8, 1}));
 }
 
 TEST(BitImage, StartsEmptyAndAddressesItsPixels) {

@@ -2,47 +2,23 @@
 #pragma once
 
 #include <cmath>
-#include <cstdint>
 #include <limits>
-#include <random>
 
 #include <opencv2/core.hpp>
 
+#include "support/random.h"
+
 namespace quorvel::test::calib {
-
-/// Random input that is the same on every platform: the generator is std::mt19937 and the reductions are ours.
-class Random {
-public:
-    explicit Random(std::uint32_t seed) : generator_(seed) {}
-
-    /// \return a whole number 0 ... n - 1
-    int below(int n) { return static_cast<int>(generator_() % static_cast<std::uint32_t>(n)); }
-
-    /// \return a whole number low ... high
-    int within(int low, int high) { return low + below(high - low + 1); }
-
-    /// \return a float in [low, high), on a grid of 2^24 steps
-    float between(float low, float high) {
-        const float unit = static_cast<float>(generator_() >> 8U) * (1.0F / 16777216.0F);
-        return low + (high - low) * unit;
-    }
-
-    /// \return true in `percent` of 100 cases
-    bool chance(int percent) { return below(100) < percent; }
-
-private:
-    std::mt19937 generator_;
-};
 
 /// How the values of a random cloud are drawn.
 enum class CloudKind { kFloats, kSmallIntegers, kWithNonFinite };
 
 /// \return one coordinate: a float within +-1000 mm, a whole number within +-3 (ties, zero cross products), or a
 ///         float that is infinite or NaN in one case of ten
-inline float randomCoordinate(Random& random, CloudKind kind) {
+inline float randomCoordinate(Draws& random, CloudKind kind) {
     switch (kind) {
         case CloudKind::kSmallIntegers:
-            return static_cast<float>(random.within(-3, 3));
+            return static_cast<float>(random.between(-3, 3));
         case CloudKind::kWithNonFinite:
             if (random.chance(10)) {
                 const float infinity = std::numeric_limits<float>::infinity();
@@ -51,13 +27,13 @@ inline float randomCoordinate(Random& random, CloudKind kind) {
             }
             [[fallthrough]];
         default:
-            return random.between(-1000.0F, 1000.0F);
+            return random.real(-1000.0F, 1000.0F);
     }
 }
 
 /// \param absent share of points that are (0, 0, 0), percent
 /// \return CV_32FC3 of random points
-inline cv::Mat randomCloud(Random& random, int rows, int columns, CloudKind kind, int absent) {
+inline cv::Mat randomCloud(Draws& random, int rows, int columns, CloudKind kind, int absent) {
     cv::Mat cloud(rows, columns, CV_32FC3, cv::Scalar::all(0.0));
     for (int row = 0; row < rows; ++row) {
         for (int column = 0; column < columns; ++column) {
@@ -102,11 +78,11 @@ inline float floorDepth(const FloorView& view, int column, int row) {
 }
 
 /// \return CV_32FC3 cloud of the floor, absent pixels (0, 0, 0)
-inline cv::Mat floorCloud(const FloorView& view, Random& random) {
+inline cv::Mat floorCloud(const FloorView& view, Draws& random) {
     cv::Mat cloud(view.height, view.width, CV_32FC3, cv::Scalar::all(0.0));
     for (int row = 0; row < view.height; ++row) {
         for (int column = 0; column < view.width; ++column) {
-            float z = floorDepth(view, column, row) + random.between(-view.noise, view.noise);
+            float z = floorDepth(view, column, row) + random.real(-view.noise, view.noise);
             if (random.chance(view.absent)) {
                 continue;
             }
@@ -117,6 +93,14 @@ inline cv::Mat floorCloud(const FloorView& view, Random& random) {
         }
     }
     return cloud;
+}
+
+/// \return CV_16UC1 depth image of the floor, mm, absent pixels 0
+inline cv::Mat floorDepthImage(const FloorView& view, Draws& random) {
+    cv::Mat depth;
+    cv::extractChannel(floorCloud(view, random), depth, 2);
+    depth.convertTo(depth, CV_16U);
+    return depth;
 }
 
 }  // namespace quorvel::test::calib

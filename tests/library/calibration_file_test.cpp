@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "calib/calibration_file.h"
+#include "files/calibration_file.h"
 
 #include <filesystem>
 #include <fstream>
@@ -8,9 +8,9 @@
 
 #include <gtest/gtest.h>
 
-#include "common/text_file.h"
-#include "library/calib_support.h"
+#include "files/text_file.h"
 #include "library/comma_locale.h"
+#include "support/random.h"
 #include "support/same_bits.h"
 #include "support/working_directory.h"
 
@@ -34,7 +34,9 @@ std::string written(const Plane& plane) {
 cv::Vec4f readInto(const std::string& text) {
     std::ofstream("cal.txt", std::ios::binary) << text;
     Plane plane = kHeld;
-    EXPECT_TRUE(readCalibrationFile("cal.txt", plane)) << text;
+    const std::optional<Plane> read = readCalibrationFile("cal.txt", plane);
+    EXPECT_TRUE(read) << text;
+    plane = read.value_or(plane);
     return {plane.normal[0], plane.normal[1], plane.normal[2], plane.offset};
 }
 
@@ -93,16 +95,18 @@ TEST(ReadCalibrationFile, AFileThatCannotBeOpenedLeavesThePlane) {
 
 TEST(ReadCalibrationFile, RestoresWhatWasWrittenToSixDecimals) {
     const WorkingDirectory here;
-    calib::Random random(141);
+    Draws random(141);
     for (int i = 0; i < 100; ++i) {
         Plane plane;
         for (int k = 0; k < 3; ++k) {
-            plane.normal[k] = random.between(-1.0F, 1.0F);
+            plane.normal[k] = random.real(-1.0F, 1.0F);
         }
-        plane.offset = random.between(200.0F, 4000.0F);
+        plane.offset = random.real(200.0F, 4000.0F);
         writeCalibrationFile("cal.txt", plane);
         Plane back;
-        ASSERT_TRUE(readCalibrationFile("cal.txt", back));
+        const std::optional<Plane> read = readCalibrationFile("cal.txt", back);
+        ASSERT_TRUE(read);
+        back = *read;
         for (int k = 0; k < 3; ++k) {
             EXPECT_NEAR(back.normal[k], plane.normal[k], 5.1e-7) << "component " << k;
         }
@@ -136,7 +140,9 @@ TEST(ReadCalibrationFile, RestoresAPlaneThatIsNoNumber) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     writeCalibrationFile("cal.txt", {cv::Vec3f(nan, nan, nan), std::numeric_limits<float>::infinity()});
     Plane back;
-    ASSERT_TRUE(readCalibrationFile("cal.txt", back));
+    const std::optional<Plane> read = readCalibrationFile("cal.txt", back);
+    ASSERT_TRUE(read);
+    back = *read;
     EXPECT_TRUE(sameBits(back.normal, cv::Vec3f(nan, nan, nan)));
     EXPECT_EQ(back.offset, std::numeric_limits<float>::infinity());
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "persist/capture_reader.h"
+#include "files/capture_reader.h"
 
 #include <filesystem>
 #include <fstream>
@@ -23,7 +23,9 @@ const std::string kFourteen =
 bool read(const std::string& text, CaptureParameters& capture) {
     const WorkingDirectory directory;
     std::ofstream("para.txt", std::ios::binary) << text;
-    return readCaptureParameters("para.txt", capture);
+    const std::optional<CaptureParameters> read = readCaptureParameters("para.txt");
+    capture = read.value_or(capture);
+    return read.has_value();
 }
 
 void expectFourteen(const CaptureParameters& capture) {
@@ -111,9 +113,9 @@ TEST(CaptureReader, GoesOnRightBehindANumber) {
 TEST(CaptureReader, RefusesAFileThatCannotBeOpened) {
     const WorkingDirectory directory;
     CaptureParameters capture;
-    EXPECT_FALSE(readCaptureParameters("missing.txt", capture));
+    EXPECT_FALSE(readCaptureParameters("missing.txt"));
     std::filesystem::create_directory("para.txt");
-    EXPECT_FALSE(readCaptureParameters("para.txt", capture)) << "a folder of that name";
+    EXPECT_FALSE(readCaptureParameters("para.txt")) << "a folder of that name";
 }
 
 }  // namespace

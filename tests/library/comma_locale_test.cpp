@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A host may live in any locale: files are the same bytes, and are read alike.
+// In every locale of the host files have the same bytes and are read in the same way.
 #include "library/comma_locale.h"
 
 #include <cstdlib>
@@ -11,10 +11,10 @@
 
 #include <gtest/gtest.h>
 
-#include "common/text_file.h"
+#include "files/text_file.h"
+#include "image/frame_check.h"
 #include "library/depth_scene.h"
 #include "library/same_ruler.h"
-#include "ruler/frame_check.h"
 #include "support/captured_output.h"
 #include "support/working_directory.h"
 
@@ -34,7 +34,7 @@ private:
     std::locale previous_;
 };
 
-/// All that a ruler writes, and what another reads of it.
+/// All files that a ruler writes, and the values that another ruler reads from them.
 struct Life {
     std::map<std::string, std::string> files;  ///< name without the second's folder, text
     std::string printed;

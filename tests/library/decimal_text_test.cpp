@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "common/decimal_text.h"
+#include "files/decimal_text.h"
 
 #include <array>
 #include <cmath>
@@ -12,7 +12,7 @@
 
 #include <gtest/gtest.h>
 
-#include "library/calib_support.h"
+#include "support/random.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -32,7 +32,7 @@ std::string printed(float value) {
 }
 
 /// A float of any sign, exponent and mantissa, infinities and NaN included.
-float anyFloat(calib::Random& random) {
+float anyFloat(Draws& random) {
     const auto high = static_cast<std::uint32_t>(random.below(65536));
     const std::uint32_t bits = high << 16U | static_cast<std::uint32_t>(random.below(65536));
     float value = 0.0F;
@@ -71,9 +71,9 @@ TEST(SixDecimals, NamesWhatIsNoNumber) {
 }
 
 TEST(SixDecimals, AgreesWithPrintfForAnyFloat) {
-    calib::Random random(21);
+    Draws random(21);
     for (int i = 0; i < 5000; ++i) {
-        const float value = random.chance(50) ? anyFloat(random) : random.between(-2000.0F, 2000.0F);
+        const float value = random.chance(50) ? anyFloat(random) : random.real(-2000.0F, 2000.0F);
         if (std::isnan(value)) {
             // Whether the sign of it is shown differs between the C libraries.
             EXPECT_NE(sixDecimals(value).find("nan"), std::string::npos);
@@ -160,7 +160,7 @@ TEST(DecimalReader, ReadsInfinityAndNan) {
 }
 
 /// The numbers of a text as the C library converts them, in the rules that scanf's "%f" shares: up to `count`, ending
-/// at the first field that is none.
+/// at the first field that is not a number.
 std::vector<float> converted(const std::string& text, std::size_t count) {
     std::vector<float> values;
     const char* rest = text.c_str();
@@ -200,11 +200,11 @@ TEST(DecimalReader, ReadsDenormalFloats) {
 }
 
 TEST(DecimalReader, AgreesWithTheCLibraryOnRandomLines) {
-    calib::Random random(22);
+    Draws random(22);
     for (int i = 0; i < 3000; ++i) {
         std::string line;
         for (int field = 0; field < 4; ++field) {
-            const std::string number = printed(random.between(-3000.0F, 3000.0F));
+            const std::string number = printed(random.real(-3000.0F, 3000.0F));
             line += random.chance(3) ? "x" : (random.chance(3) ? "" : number);
             line += random.chance(50) ? " " : (random.chance(50) ? "\n" : "\t  ");
         }
@@ -213,9 +213,9 @@ TEST(DecimalReader, AgreesWithTheCLibraryOnRandomLines) {
 }
 
 TEST(DecimalReader, ReadsBackWhatWasWrittenToSixDecimals) {
-    calib::Random random(23);
+    Draws random(23);
     for (int i = 0; i < 2000; ++i) {
-        const float value = random.between(-2000.0F, 2000.0F);
+        const float value = random.real(-2000.0F, 2000.0F);
         const std::string text = sixDecimals(value);
         float back = 0.0F;
         DecimalReader reader(text);

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "support/members.h"
+
 namespace quorvel::test {
 
 cv::Mat DepthScene::depth(Draws& draws) const {
@@ -38,7 +40,8 @@ DepthScene blockScene(float height) {
 
 DepthScene drawScene(Draws& draws) {
     DepthScene scene;
-    scene.size = {draws.between(24, 100), draws.between(20, 76)};
+    scene.size.width = draws.between(24, 100);
+    scene.size.height = draws.between(20, 76);
     scene.focal = draws.real(0.8F, 1.3F) * static_cast<float>(scene.size.width);
     scene.distance = draws.real(500, 1600);
     if (draws.chance(40)) {
@@ -49,10 +52,30 @@ DepthScene drawScene(Draws& draws) {
     scene.holes = draws.chance(60) ? 0 : draws.between(1, 4);
     const int blocks = draws.between(0, 3);
     for (int i = 0; i < blocks; ++i) {
-        const cv::Point corner(draws.between(0, scene.size.width * 2 / 3), draws.between(0, scene.size.height * 2 / 3));
-        const cv::Size extent(draws.between(8, scene.size.width * 2 / 3), draws.between(8, scene.size.height * 2 / 3));
-        scene.blocks.push_back({{corner, extent}, draws.real(4, 300)});
+        const int left = draws.between(0, scene.size.width * 2 / 3);
+        const int top = draws.between(0, scene.size.height * 2 / 3);
+        const int width = draws.between(8, scene.size.width * 2 / 3);
+        const int height = draws.between(8, scene.size.height * 2 / 3);
+        scene.blocks.push_back({{left, top, width, height}, draws.real(4, 300)});
     }
+    return scene;
+}
+
+DepthScene largeScene(Draws& draws) {
+    DepthScene scene;
+    scene.size = {draws.between(400, 480), draws.between(320, 380)};
+    scene.focal = draws.real(0.8F, 1.3F) * static_cast<float>(scene.size.width);
+    scene.distance = draws.real(500, 1600);
+    scene.slopeX = draws.real(-0.2F, 0.2F);
+    scene.slopeY = draws.real(-0.2F, 0.2F);
+    scene.noise = draws.between(0, 1);
+    scene.holes = draws.between(0, 2);
+    return scene;
+}
+
+DepthScene withBlock(DepthScene scene, Draws& draws) {
+    const cv::Size block{scene.size.width / draws.between(3, 6), scene.size.height / draws.between(3, 6)};
+    scene.blocks.push_back({{cv::Point(scene.size / 2) - cv::Point(block / 2), block}, draws.real(30, 200)});
     return scene;
 }
 
@@ -64,16 +87,37 @@ void setPlane(Quorvel& ruler, const cv::Vec3f& normal, float offset, int minPixe
     ruler.minObjectPixels = minPixels;
 }
 
+void drawState(Draws& draws, const DepthScene& scene, Quorvel& ruler) {
+    const cv::Vec3f normal{draws.real(-0.05F, 0.05F), draws.real(-0.05F, 0.05F), 1};
+    const auto length = static_cast<float>(cv::norm(normal));
+    const cv::Vec3f unit = draws.chance(30) ? cv::Vec3f(0, 0, 1) : normal * (1.0F / length);
+    const float offset = draws.chance(50) ? scene.distance : scene.distance + draws.real(-10, 10);
+    setPlane(ruler, unit, offset, draws.below(25));
+    if (draws.chance(4)) {
+        ruler.refPlaneNormal = {0, 0, 0};
+    }
+    ruler.calibStatus = !draws.chance(6);
+    ruler.debugMode = draws.chance(50);
+    ruler.minObjectHeight = draws.real(2, 20);
+    ruler.filterWeight = draws.chance(40) ? 0.0F : draws.real(-0.05F, 0.05F);
+    if (draws.chance(40)) {
+        ruler.setCameraType(true, draws.between(-10, 80));
+    }
+    if (draws.chance(70)) {
+        ruler.effectiveRegion = cv::Rect(cv::Point(0, 0), scene.size);
+    } else {
+        ruler.effectiveRegion = {draws.between(-5, scene.size.width), draws.between(-5, scene.size.height),
+                                 draws.between(0, 40), draws.between(0, 40)};
+    }
+}
+
 Quorvel detachedCopy(const Quorvel& ruler) {
     Quorvel copy(ruler);
-    for (cv::Mat* image : {&copy.colorImage, &copy.depthImage, &copy.auxImage, &copy.colorSmall, &copy.depthSmall,
-                           &copy.pointCloud, &copy.pointCloudSmall, &copy.pointCloudSmallCopy}) {
-        *image = image->clone();
+    for (const auto& [name, image] : rulerImages()) {
+        copy.*image = (copy.*image).clone();
     }
-    for (std::vector<cv::Mat>* buffer :
-         {&copy.colorFrameBuffer, &copy.depthFrameBuffer, &copy.pointCloudBuffer, &copy.pointCloudSmallBuffer,
-          &copy.colorSmallBuffer, &copy.depthSmallBuffer, &copy.pointCloudSmallCopyBuffer}) {
-        for (cv::Mat& image : *buffer) {
+    for (const auto& [name, buffer] : rulerBuffers()) {
+        for (cv::Mat& image : copy.*buffer) {
             image = image.clone();
         }
     }

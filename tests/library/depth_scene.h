@@ -7,7 +7,7 @@
 
 #include <quorvel/quorvel.h>
 
-#include "library/measure_draws.h"
+#include "support/random.h"
 
 namespace quorvel::test {
 
@@ -51,8 +51,17 @@ DepthScene blockScene(float height);
 /// Any surface, blocks, noise and holes.
 DepthScene drawScene(Draws& draws);
 
+/// A tilted surface with noise and holes, large enough for the fit on every frame, which needs more than 4000
+/// small-image pixels.
+DepthScene largeScene(Draws& draws);
+/// \return the scene with one more block, in the middle of the picture
+DepthScene withBlock(DepthScene scene, Draws& draws);
+
 /// Gives a ruler a plane as a calibration would: normal, distance, status and smallest region.
 void setPlane(Quorvel& ruler, const cv::Vec3f& normal, float offset, int minPixels);
+
+/// Brings a ruler into any state of a host's setters but the mode: plane, regions, weight, side band.
+void drawState(Draws& draws, const DepthScene& scene, Quorvel& ruler);
 
 /// A copy that shares no pixels with the original.
 Quorvel detachedCopy(const Quorvel& ruler);

@@ -104,7 +104,7 @@ TEST(DetectionArea, NeitherCrashesNorHangsOnCornersFarOut) {
     const std::vector<float> far{kNaN, kInfinity, -kInfinity, 3e38F, -3e38F, 2147483648.0F, -2147483648.0F,
                                  2e9F, -2e9F,     1e8F,       -1e8F, 30.0F,  20.5F};
     Draws draws(108);
-    const auto coordinate = [&] { return far[static_cast<std::size_t>(draws.below(static_cast<int>(far.size())))]; };
+    const auto coordinate = [&] { return draws.oneOf(far); };
     int found = 0;
     for (int run = 0; run < 40; ++run) {
         Quad face;
@@ -141,16 +141,19 @@ float drawCoordinate(Draws& draws, float low, float high) {
 Quad drawScattered(Draws& draws, float low, float high, const cv::Size& picture) {
     Quad face;
     for (cv::Point2f& corner : face) {
-        corner = {
-            drawCoordinate(draws, low * static_cast<float>(picture.width), high * static_cast<float>(picture.width)),
-            drawCoordinate(draws, low * static_cast<float>(picture.height), high * static_cast<float>(picture.height))};
+        const auto width = static_cast<float>(picture.width);
+        const auto height = static_cast<float>(picture.height);
+        corner.x = drawCoordinate(draws, low * width, high * width);
+        corner.y = drawCoordinate(draws, low * height, high * height);
     }
     return face;
 }
 
 Quad drawRectangle(Draws& draws, const cv::Point2f& center, float largest) {
     Quad face;
-    const cv::RotatedRect rectangle(center, {draws.real(0, largest), draws.real(0, largest)}, draws.real(0, 180));
+    const float width = draws.real(0, largest);
+    const float height = draws.real(0, largest);
+    const cv::RotatedRect rectangle(center, {width, height}, draws.real(0, 180));
     rectangle.points(face.data());
     return face;
 }
@@ -158,7 +161,9 @@ Quad drawRectangle(Draws& draws, const cv::Point2f& center, float largest) {
 Quad drawFace(Draws& draws, Place place, const cv::Size& picture) {
     const auto width = static_cast<float>(picture.width);
     const auto height = static_cast<float>(picture.height);
-    const cv::Point2f within(drawCoordinate(draws, 0, width), drawCoordinate(draws, 0, height));
+    const float x = drawCoordinate(draws, 0, width);
+    const float y = drawCoordinate(draws, 0, height);
+    const cv::Point2f within(x, y);
     switch (place) {
         case Place::Inside:
             return drawRectangle(draws, within, 0.4F * width);
@@ -177,8 +182,11 @@ Quad drawFace(Draws& draws, Place place, const cv::Size& picture) {
             return {within, within, within, within};
         case Place::Folded:
             return drawScattered(draws, 0, 1, picture);
-        default:
-            return drawScattered(draws, draws.chance(10) ? -900.0F : -4.0F, draws.chance(10) ? 900.0F : 4.0F, picture);
+        default: {
+            const float low = draws.chance(10) ? -900.0F : -4.0F;
+            const float high = draws.chance(10) ? 900.0F : 4.0F;
+            return drawScattered(draws, low, high, picture);
+        }
     }
 }
 
@@ -197,8 +205,10 @@ TEST(DetectionArea, AgreesWithThePlainFormOnRandomFacesAndRegions) {
     std::vector<int> met(static_cast<std::size_t>(places), 0);
     for (int run = 0; run < 21000; ++run) {
         const int place = run % places;
-        const cv::Size picture = draws.chance(10) ? cv::Size(draws.between(1, 4), draws.between(1, 4))
-                                                  : cv::Size(draws.between(20, 90), draws.between(15, 70));
+        const bool tiny = draws.chance(10);
+        const int width = tiny ? draws.between(1, 4) : draws.between(20, 90);
+        const int height = tiny ? draws.between(1, 4) : draws.between(15, 70);
+        const cv::Size picture(width, height);
         const Quad face = drawFace(draws, static_cast<Place>(place), picture);
         const cv::Rect region = drawRegion(draws, picture);
         const bool expected = plain::topFaceMeetsRegion(face, region, picture);

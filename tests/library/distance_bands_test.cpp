@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ruler/distance_bands.h"
+#include "measure/distance_bands.h"
 
 #include <cmath>
 #include <utility>

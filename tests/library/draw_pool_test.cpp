@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "library/calib_support.h"
+#include "support/random.h"
 
 namespace quorvel::test {
 
@@ -15,7 +15,7 @@ namespace {
 using internal::DrawPool;
 
 /// An image in which `percent` of the pixels, or all, are set.
-internal::BitImage someBits(calib::Random& random, int rows, int columns, int percent) {
+internal::BitImage someBits(Draws& random, int rows, int columns, int percent) {
     internal::BitImage image;
     image.reset(rows, columns);
     for (int row = 0; row < rows; ++row) {
@@ -56,7 +56,7 @@ void expectSameDraws(DrawPool& pool, const internal::BitImage& image, std::size_
 }
 
 TEST(DrawPool, LaterEntriesMoveUp) {
-    calib::Random random(90);
+    Draws random(90);
     DrawPool pool;
     pool.fill(someBits(random, 2, 2, 100));
     EXPECT_EQ(pool.take(1), cv::Point(1, 0));
@@ -67,7 +67,7 @@ TEST(DrawPool, LaterEntriesMoveUp) {
 }
 
 TEST(DrawPool, AnEmptyListHasNothingToTake) {
-    calib::Random random(90);
+    Draws random(90);
     DrawPool pool;
     EXPECT_EQ(pool.size(), 0U);
     pool.fill(someBits(random, 30, 70, 0));
@@ -77,7 +77,7 @@ TEST(DrawPool, AnEmptyListHasNothingToTake) {
 }
 
 TEST(DrawPool, LeavesTheImage) {
-    calib::Random random(90);
+    Draws random(90);
     const internal::BitImage image = someBits(random, 3, 70, 100);
     DrawPool pool;
     pool.fill(image);
@@ -86,7 +86,7 @@ TEST(DrawPool, LeavesTheImage) {
 }
 
 TEST(DrawPool, EmptiesEverySizeFromTheFrontTheBackAndTheMiddle) {
-    calib::Random random(93);
+    Draws random(93);
     DrawPool pool;
     for (int count = 1; count <= 130; ++count) {
         const internal::BitImage image = someBits(random, 1, count, 100);
@@ -97,12 +97,13 @@ TEST(DrawPool, EmptiesEverySizeFromTheFrontTheBackAndTheMiddle) {
 }
 
 TEST(DrawPool, DrawsAsAVectorWithErase) {
-    calib::Random random(91);
+    Draws random(91);
     DrawPool pool;
     for (int i = 0; i < 2000; ++i) {
-        const cv::Size size(random.within(1, random.chance(10) ? 200 : 20), random.within(1, 20));
-        const internal::BitImage image =
-            someBits(random, size.height, size.width, random.chance(20) ? 100 : random.within(1, 100));
+        const int columns = random.between(1, random.chance(10) ? 200 : 20);
+        const int rows = random.between(1, 20);
+        const int percent = random.chance(20) ? 100 : random.between(1, 100);
+        const internal::BitImage image = someBits(random, rows, columns, percent);
         expectSameDraws(pool, image, 400, [&random](std::size_t left) {
             return static_cast<std::size_t>(random.below(static_cast<int>(left)));
         });
@@ -110,7 +111,7 @@ TEST(DrawPool, DrawsAsAVectorWithErase) {
 }
 
 TEST(DrawPool, DrawsAsAVectorWithEraseFromALongList) {
-    calib::Random random(92);
+    Draws random(92);
     DrawPool pool;
     for (const cv::Size& size : {cv::Size(32767, 1), cv::Size(1, 32769), cv::Size(250, 200), cv::Size(640, 480)}) {
         for (const int percent : {100, 3}) {

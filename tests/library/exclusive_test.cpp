@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "common/exclusive.h"
+#include "image/exclusive.h"
 
 #include <array>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ruler/frame_check.h"
+#include "image/frame_check.h"
 
 #include <array>
 #include <climits>
@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "image/image_form.h"
 #include "library/hostile_draws.h"
 
 namespace quorvel::test {
@@ -24,15 +25,15 @@ cv::Mat cube(int type) {
 }
 
 TEST(FrameCheck, TellsAnImagesForm) {
-    EXPECT_TRUE(internal::hasForm(kDepth, 48, 64, CV_16UC1));
-    EXPECT_FALSE(internal::hasForm(kDepth, 64, 48, CV_16UC1));
-    EXPECT_FALSE(internal::hasForm(kDepth, 48, 63, CV_16UC1));
-    EXPECT_FALSE(internal::hasForm(kDepth, 48, 64, CV_16SC1));
-    EXPECT_FALSE(internal::hasForm(cv::Mat(), 48, 64, CV_16UC1));
-    EXPECT_FALSE(internal::hasForm(cv::Mat(0, 0, CV_16UC1), 0, 0, CV_16UC1)) << "no pixels";
-    EXPECT_FALSE(internal::hasForm(withoutPixels(48, 64, CV_16UC1), 48, 64, CV_16UC1));
-    EXPECT_FALSE(internal::hasForm(cube(CV_16UC1), 48, 64, CV_16UC1));
-    EXPECT_FALSE(internal::hasForm(cube(CV_16UC1), -1, -1, CV_16UC1)) << "rows and columns of a cube are -1";
+    EXPECT_TRUE(internal::hasForm(kDepth, {64, 48}, CV_16UC1));
+    EXPECT_FALSE(internal::hasForm(kDepth, {48, 64}, CV_16UC1));
+    EXPECT_FALSE(internal::hasForm(kDepth, {63, 48}, CV_16UC1));
+    EXPECT_FALSE(internal::hasForm(kDepth, {64, 48}, CV_16SC1));
+    EXPECT_FALSE(internal::hasForm(cv::Mat(), {64, 48}, CV_16UC1));
+    EXPECT_FALSE(internal::hasForm(cv::Mat(0, 0, CV_16UC1), {0, 0}, CV_16UC1)) << "no pixels";
+    EXPECT_FALSE(internal::hasForm(withoutPixels(48, 64, CV_16UC1), {64, 48}, CV_16UC1));
+    EXPECT_FALSE(internal::hasForm(cube(CV_16UC1), {64, 48}, CV_16UC1));
+    EXPECT_FALSE(internal::hasForm(cube(CV_16UC1), {-1, -1}, CV_16UC1)) << "rows and columns of a cube are -1";
 }
 
 TEST(FrameCheck, FindsNothingWrongWithAFittingFrame) {

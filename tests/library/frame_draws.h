@@ -33,6 +33,16 @@ inline cv::Mat drawDepth(Draws& draws, const cv::Size& size) {
     return depth;
 }
 
+/// \return a ruler of any small camera and any factor between its images, which fits them
+inline Quorvel drawRuler(Draws& draws) {
+    const cv::Size size{draws.between(4, 70), draws.between(4, 50)};
+    const cv::Vec2f focal{draws.real(20, 90), draws.real(20, 90)};
+    const cv::Vec2f centre{draws.real(0, 60), draws.real(0, 40)};
+    Quorvel ruler(focal[0], focal[1], centre[0], centre[1], size.width, size.height, false, "");
+    ruler.downScale = draws.between(1, 4);
+    return ruler;
+}
+
 /// Frames grabbed in quick succession.
 struct Batch {
     std::vector<cv::Mat> colors;

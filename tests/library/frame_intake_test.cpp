@@ -107,10 +107,8 @@ INSTANTIATE_TEST_SUITE_P(Loops, FrameIntakeLoops, runnableLoopVariants(), loopVa
 TEST_P(FrameIntakeLoops, AgreesWithThePlainFormForRandomFrames) {
     Draws draws(114);
     for (int run = 0; run < 1000; ++run) {
-        const cv::Size size(draws.between(4, 70), draws.between(4, 50));
-        Quorvel ruler(draws.real(20, 90), draws.real(20, 90), draws.real(0, 60), draws.real(0, 40), size.width,
-                      size.height, false, "");
-        ruler.downScale = draws.between(1, 4);
+        Quorvel ruler = drawRuler(draws);
+        const cv::Size size(ruler.imageWidth, ruler.imageHeight);
         for (int frame = 0; frame < 2; ++frame) {
             const cv::Mat color = drawColor(draws, size);
             const cv::Mat depth = drawDepth(draws, size);
@@ -275,12 +273,14 @@ TEST(FrameIntake, RefusesFramesOfAnUnconfiguredRuler) {
     ASSERT_EQ(ruler.downScale, 0);
     ruler.debugMode = true;
     Draws draws(6);
+    const cv::Mat color = drawColor(draws, {64, 48});
+    const cv::Mat depth = drawDepth(draws, {64, 48});
     const CapturedOutput output;
-    EXPECT_FALSE(ruler.getCameraFrame(drawColor(draws, {64, 48}), drawDepth(draws, {64, 48})));
+    EXPECT_FALSE(ruler.getCameraFrame(color, depth));
     EXPECT_EQ(output.text(), kEmptyMessage) << "its own images count, and it has none";
     EXPECT_TRUE(ruler.colorImage.empty());
     EXPECT_FALSE(ruler.getCameraFrame(cv::Mat(), cv::Mat(), cv::Mat()));
-    // Given images of its own it still has no frame size.
+    // With images, but still without a frame size.
     ruler.colorImage = drawColor(draws, {64, 48});
     ruler.depthImage = drawDepth(draws, {64, 48});
     EXPECT_FALSE(ruler.getCameraFrame(cv::Mat(), cv::Mat()));
@@ -306,7 +306,7 @@ TEST(FrameIntake, FitsThePlaneAnewOnlyInGroundTracking) {
     scene.size = {400, 320};
     scene.focal = 380;
     scene.noise = 1;
-    Draws draws(8);
+    Draws draws(9);
     const cv::Mat depth = scene.depth(draws);
     for (const ProductType type : {KIOSK, GROUND_GROWING, KIOSK_LOW_OBJECT}) {
         Quorvel ruler = scene.ruler();

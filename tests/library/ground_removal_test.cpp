@@ -62,7 +62,9 @@ TEST(GroundRemoval, AcceptsAnEmptyImage) {
 TEST(GroundRemoval, AgreesWithThePlainFormOnRandomImages) {
     Draws draws(102);
     for (int run = 0; run < 500; ++run) {
-        cv::Mat depth = drawMatrix(draws, {draws.between(1, 25), draws.between(1, 9)}, CV_16UC1);
+        const int columns = draws.between(1, 25);
+        const int rows = draws.between(1, 9);
+        cv::Mat depth = drawMatrix(draws, {columns, rows}, CV_16UC1);
         for (int row = 0; row < depth.rows; ++row) {
             for (int column = 0; column < depth.cols; ++column) {
                 depth.at<ushort>(row, column) =

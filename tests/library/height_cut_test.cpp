@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "library/fast_forms.h"
 #include "library/measure_draws.h"
 #include "library/plain/height_cut.h"
 #include "support/loop_variants.h"
@@ -48,13 +49,13 @@ std::vector<bool> marked(const CutImages& images) {
 TEST(HeightCut, KeepsAPointExactlyAtTheMinimumHeight) {
     // Plane z = 1000, minimum 10: distances -10, -9.5, -10.5.
     CutImages images = rowOf({{0, 0, 990}, {0, 0, 990.5F}, {0, 0, 989.5F}});
-    EXPECT_EQ(internal::cutAboveReferencePlane(images.depth, images.cloud, kTowardsScene, 1000, 10, images.mask), 0);
+    EXPECT_EQ(fast::cutAboveReferencePlane(images.depth, images.cloud, kTowardsScene, 1000, 10, images.mask), 0);
     EXPECT_EQ(marked(images), (std::vector<bool>{true, false, true}));
 }
 
 TEST(HeightCut, BlanksPointsBelowThePlaneAndOnIt) {
     CutImages images = rowOf({{5, 6, 1000}, {5, 6, 1010}, {5, 6, 1500}, {5, 6, 999}});
-    EXPECT_EQ(internal::cutAboveReferencePlane(images.depth, images.cloud, kTowardsScene, 1000, 10, images.mask), 0);
+    EXPECT_EQ(fast::cutAboveReferencePlane(images.depth, images.cloud, kTowardsScene, 1000, 10, images.mask), 0);
     EXPECT_EQ(marked(images), (std::vector<bool>{false, false, false, false}));
 }
 
@@ -62,22 +63,21 @@ TEST(HeightCut, BlanksAnAbsentPointWhateverThePlane) {
     // The origin lies 1000 mm above the first plane and would be high enough, were it a point.
     for (const float offset : {1000.0F, 0.0F, -1000.0F}) {
         CutImages images = rowOf({{0, 0, 0}});
-        EXPECT_EQ(internal::cutAboveReferencePlane(images.depth, images.cloud, kTowardsScene, offset, 10, images.mask),
-                  0);
+        EXPECT_EQ(fast::cutAboveReferencePlane(images.depth, images.cloud, kTowardsScene, offset, 10, images.mask), 0);
         EXPECT_EQ(marked(images), std::vector<bool>{false}) << "offset " << offset;
     }
 }
 
-TEST(HeightCut, TakesAPointShorterThanItsThresholdForNone) {
+TEST(HeightCut, IgnoresAPointShorterThanItsThreshold) {
     // 1e-9F widens to 9.9999997e-10, which is below 1e-9; 1.1e-9F is not.
     CutImages images = rowOf({{0, 0, 1e-9F}, {0, 0, 1.1e-9F}, {-1.1e-9F, 0, 0}});
-    EXPECT_EQ(internal::cutAboveReferencePlane(images.depth, images.cloud, kTowardsScene, 1000, 10, images.mask), 0);
+    EXPECT_EQ(fast::cutAboveReferencePlane(images.depth, images.cloud, kTowardsScene, 1000, 10, images.mask), 0);
     EXPECT_EQ(marked(images), (std::vector<bool>{false, true, true}));
 }
 
 TEST(HeightCut, KeepsAPointWhoseDistanceIsNotANumber) {
     CutImages images = rowOf({{kNaN, 0, 1000}, {0, 0, kNaN}, {0, 0, -kInfinity}, {0, 0, kInfinity}});
-    EXPECT_EQ(internal::cutAboveReferencePlane(images.depth, images.cloud, kTowardsScene, 1000, 10, images.mask), 0);
+    EXPECT_EQ(fast::cutAboveReferencePlane(images.depth, images.cloud, kTowardsScene, 1000, 10, images.mask), 0);
     // The two infinite points are plainly above and below: the normal's zeros meet finite components only.
     EXPECT_EQ(marked(images), (std::vector<bool>{true, true, true, false}));
 }
@@ -86,8 +86,7 @@ TEST(HeightCut, RefusesAZeroNormalAndTouchesNothing) {
     for (const float zero : {0.0F, -0.0F}) {
         CutImages images = rowOf({{0, 0, 990}, {0, 0, 0}});
         images.mask.at<uchar>(0, 1) = 9;
-        EXPECT_EQ(internal::cutAboveReferencePlane(images.depth, images.cloud, {zero, 0, zero}, 1000, 10, images.mask),
-                  1);
+        EXPECT_EQ(fast::cutAboveReferencePlane(images.depth, images.cloud, {zero, 0, zero}, 1000, 10, images.mask), 1);
         EXPECT_EQ(images.depth.at<ushort>(0, 0), 500);
         EXPECT_EQ(images.depth.at<ushort>(0, 1), 500);
         EXPECT_EQ(images.mask.at<uchar>(0, 0), 0);
@@ -98,24 +97,26 @@ TEST(HeightCut, RefusesAZeroNormalAndTouchesNothing) {
 TEST(HeightCut, UsesTheNormalAsGiven) {
     // Twice the unit normal doubles n . p: 2 * 990 - 1000 = 980 is far below the plane.
     CutImages images = rowOf({{0, 0, 990}, {0, 0, 495}});
-    EXPECT_EQ(internal::cutAboveReferencePlane(images.depth, images.cloud, {0, 0, 2}, 1000, 10, images.mask), 0);
+    EXPECT_EQ(fast::cutAboveReferencePlane(images.depth, images.cloud, {0, 0, 2}, 1000, 10, images.mask), 0);
     EXPECT_EQ(marked(images), (std::vector<bool>{false, true}));
 }
 
 TEST(HeightCut, TakesANegativeMinimumAsDepthBelowThePlane) {
     CutImages images = rowOf({{0, 0, 1005}, {0, 0, 1005.5F}});
-    EXPECT_EQ(internal::cutAboveReferencePlane(images.depth, images.cloud, kTowardsScene, 1000, -5, images.mask), 0);
+    EXPECT_EQ(fast::cutAboveReferencePlane(images.depth, images.cloud, kTowardsScene, 1000, -5, images.mask), 0);
     EXPECT_EQ(marked(images), (std::vector<bool>{true, false}));
 }
 
 TEST(HeightCut, AcceptsEmptyImages) {
     cv::Mat depth;
     cv::Mat mask;
-    EXPECT_EQ(internal::cutAboveReferencePlane(depth, cv::Mat(), kTowardsScene, 1000, 10, mask), 0);
+    EXPECT_EQ(fast::cutAboveReferencePlane(depth, cv::Mat(), kTowardsScene, 1000, 10, mask), 0);
 }
 
 CutImages drawImages(Draws& draws) {
-    const cv::Size size(draws.between(1, 20), draws.between(1, 12));
+    const int columns = draws.between(1, 20);
+    const int rows = draws.between(1, 12);
+    const cv::Size size(columns, rows);
     CutImages images{drawMatrix(draws, size, CV_16UC1), drawMatrix(draws, size, CV_32FC3),
                      drawMatrix(draws, size, CV_8UC1)};
     const bool wholeNumbers = draws.chance(40);
@@ -126,7 +127,9 @@ CutImages drawImages(Draws& draws) {
             if (draws.chance(absent)) {
                 continue;
             }
-            cv::Vec3f point(draws.real(-300, 300), draws.real(-300, 300), draws.real(880, 1030));
+            const float x = draws.real(-300, 300);
+            const float y = draws.real(-300, 300);
+            cv::Vec3f point(x, y, draws.real(880, 1030));
             if (wholeNumbers) {
                 point = {0.0F, 0.0F, static_cast<float>(draws.between(985, 995))};
             }
@@ -154,7 +157,7 @@ TEST_P(HeightCutLoops, AgreesWithThePlainFormOnRandomImages) {
         cv::Mat plainMask = images.mask.clone();
         const int expected =
             plain::cutAboveReferencePlane(plainDepth, images.cloud, normal, offset, minHeight, plainMask);
-        ASSERT_EQ(internal::cutAboveReferencePlane(images.depth, images.cloud, normal, offset, minHeight, images.mask),
+        ASSERT_EQ(fast::cutAboveReferencePlane(images.depth, images.cloud, normal, offset, minHeight, images.mask),
                   expected)
             << "run " << run;
         ASSERT_TRUE(sameBits(images.depth, plainDepth)) << "depth, run " << run;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Stored captures that were damaged or forged: the constructor must come back whatever they hold.
+// Stored captures that were damaged or forged: the constructor must return for any content.
 #include <climits>
 #include <cstddef>
 #include <cstdint>
@@ -109,7 +109,7 @@ protected:
         cv::imwrite("capture/depth.tif", depth_);
     }
 
-    /// Starts on the capture and goes on with it; checks that no frame is taken in.
+    /// Starts on the capture and uses the ruler further; checks that no frame is taken in.
     static void expectNoFrame() {
         Quorvel ruler(1, 2, 3, 4, 640, 480, true, "capture");
         EXPECT_TRUE(ruler.pointCloud.empty());
@@ -244,8 +244,7 @@ TEST_F(HostileCaptures, MayBeDamagedAnywhere) {
             Bytes bytes;
             cv::imencode(isColor ? ".png" : ".tif", isColor ? color_ : depth_, bytes);
             for (int k = draws.between(1, 6); k > 0; --k) {
-                bytes.at(static_cast<std::size_t>(draws.below(static_cast<int>(bytes.size())))) =
-                    static_cast<uchar>(draws.below(256));
+                draws.oneOf(bytes) = static_cast<uchar>(draws.below(256));
             }
             writeBytes(isColor ? "color.png" : "depth.tif", bytes);
             Quorvel ruler(1, 2, 3, 4, 640, 480, true, "capture");

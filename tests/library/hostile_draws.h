@@ -17,7 +17,7 @@
 
 namespace quorvel::test {
 
-/// Numbers that no host means: no numbers, infinite, zeros, too small to divide by, too large to square.
+/// Numbers that no host wants: NaN, infinite, zero, too small to divide by, too large to square.
 constexpr std::array<float, 14> kOddFloats{kNaN,
                                            kInfinity,
                                            -kInfinity,
@@ -35,18 +35,18 @@ constexpr std::array<float, 14> kOddFloats{kNaN,
 constexpr std::array<int, 10> kOddInts{INT_MIN, INT_MIN + 1, -65536, -4, -1, 0, 1, 65536, INT_MAX - 1, INT_MAX};
 
 inline float drawOddFloat(Draws& draws) {
-    return kOddFloats.at(static_cast<std::size_t>(draws.below(static_cast<int>(kOddFloats.size()))));
+    return draws.oneOf(kOddFloats);
 }
 
 inline int drawOddInt(Draws& draws) {
-    return kOddInts.at(static_cast<std::size_t>(draws.below(static_cast<int>(kOddInts.size()))));
+    return draws.oneOf(kOddInts);
 }
 
 inline cv::Rect drawOddRect(Draws& draws) {
     return {drawOddInt(draws), drawOddInt(draws), drawOddInt(draws), drawOddInt(draws)};
 }
 
-/// An image whose pixels somebody has taken away: the public pointer to them is null.
+/// An image with a size but without pixels: its public data pointer is null.
 inline cv::Mat withoutPixels(int rows, int columns, int type) {
     cv::Mat image(rows, columns, type);
     image.data = nullptr;
@@ -59,7 +59,7 @@ inline cv::Mat cubeOf(int rows, int columns, int type) {
     return {3, sizes.data(), type, cv::Scalar::all(7)};
 }
 
-/// Random bytes: depths of every size, points that are no numbers.
+/// Random bytes, which give depths of every size and points of NaN.
 inline void fillWithBytes(Draws& draws, cv::Mat& image) {
     for (int row = 0; row < image.rows; ++row) {
         uchar* const bytes = image.ptr(row);
@@ -70,7 +70,7 @@ inline void fillWithBytes(Draws& draws, cv::Mat& image) {
     }
 }
 
-/// A point cloud of anything: odd numbers among points that lie near one another, far out or nowhere.
+/// A random point cloud: points near one another, far out or absent, and odd numbers among them.
 /// \return CV_32FC3, a window of a larger matrix now and then
 inline cv::Mat drawOddCloud(Draws& draws, const cv::Size& size) {
     cv::Mat cloud = drawMatrix(draws, size, CV_32FC3);
@@ -89,11 +89,13 @@ inline cv::Mat drawOddCloud(Draws& draws, const cv::Size& size) {
     return cloud;
 }
 
-/// An image that does not belong where a host has put it: of any type and size, without pixels, of three dimensions.
+/// An image that does not fit the member it is assigned to: of any type and size, without pixels, or of three
+/// dimensions.
 inline cv::Mat drawOddImage(Draws& draws) {
     const int rows = draws.between(0, 40);
     const int columns = draws.between(0, 40);
-    const int type = CV_MAKETYPE(draws.below(8), draws.between(1, 4));
+    const int depth = draws.below(8);
+    const int type = CV_MAKETYPE(depth, draws.between(1, 4));
     switch (draws.below(6)) {
         case 0:
             return {};
@@ -109,14 +111,14 @@ inline cv::Mat drawOddImage(Draws& draws) {
     return image;
 }
 
-/// Measures and checks what holds whatever the ruler has been given: 0 or 1, and no result with 1.
+/// Measures and checks what holds for every input: the status is 0 or 1, and with 1 there is no result.
 inline void measureAnything(Quorvel& ruler) {
     const int status = ruler.measureOnce();
     EXPECT_TRUE(status == 0 || status == 1) << status;
     EXPECT_TRUE(status == 0 || isEmptyResult(ruler.result));
 }
 
-/// The same of a batch, which must be gone after a success.
+/// The same for a batch, which must be dropped after a success.
 inline void measureAnyBatch(Quorvel& ruler, float tolerance) {
     const int status = ruler.measureMultiple(tolerance, tolerance, tolerance);
     EXPECT_TRUE(status == 0 || status == 1) << status;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Files as the field leaves them: cut off, edited, overwritten, grown, replaced by something that is no file.
+// Damaged files as they occur in the field: cut off, edited, overwritten, too long, replaced by a folder or a device.
 
 #ifndef _WIN32
 #include <sys/stat.h>
@@ -16,7 +16,7 @@
 
 #include <quorvel/quorvel.h>
 
-#include "common/text_file.h"
+#include "files/text_file.h"
 #include "library/depth_scene.h"
 #include "library/same_ruler.h"
 #include "support/captured_output.h"
@@ -60,8 +60,7 @@ std::string garbage(Draws& draws, int size) {
     const bool numeric = draws.chance(50);
     std::string bytes;
     for (int i = 0; i < size; ++i) {
-        bytes += numeric ? digits.at(static_cast<std::size_t>(draws.below(static_cast<int>(digits.size()))))
-                         : static_cast<char>(draws.below(256));
+        bytes += numeric ? draws.oneOf(digits) : static_cast<char>(draws.below(256));
     }
     return bytes;
 }
@@ -72,7 +71,7 @@ TEST(HostileCalibrationFile, CutOffAtEveryByteKeepsTheFieldsThatAreMissing) {
     for (std::size_t size = 0; size < kLine.size(); ++size) {
         const cv::Vec4f plane = loadedFrom(kLine.substr(0, size));
         for (int field = 0; field < 4; ++field) {
-            // A number that is cut is a shorter number: it reads as what is left of it.
+            // A number that is cut off is read as the shorter number.
             const std::size_t starts[] = {0, 9, 19, 28};
             if (size <= starts[field]) {
                 EXPECT_EQ(plane[field], 0.0F) << size << " bytes, field " << field;
@@ -151,7 +150,7 @@ TEST(HostileCalibrationFile, PipesWithoutAWriterAreNotWaitedFor) {
 
 #endif
 
-/// A stored plane that is none, and what a measurement says of it.
+/// A stored plane that is not usable, and the reason that a measurement prints.
 struct BadPlane {
     std::string line;
     std::string reason;
@@ -172,7 +171,7 @@ const std::vector<BadPlane> kBadPlanes{
     {"0 0 0.999 1000", "a normal along the optical axis has to be exactly 0 0 1"},
 };
 
-TEST(HostileCalibrationFile, APlaneThatIsNoneIsLoadedAndRefusedByEveryMeasurement) {
+TEST(HostileCalibrationFile, AnUnusablePlaneIsLoadedAndRefusedByEveryMeasurement) {
     const WorkingDirectory here;
     Draws draws(42);
     DepthScene scene = blockScene(100.0F);
@@ -183,7 +182,7 @@ TEST(HostileCalibrationFile, APlaneThatIsNoneIsLoadedAndRefusedByEveryMeasuremen
             Quorvel ruler = kioskRuler();
             EXPECT_TRUE(ruler.calibStatus) << bad.line;
             ASSERT_TRUE(ruler.getCameraFrame(scene.color(), depth));
-            ruler.productType = mode;  // not by the setter, so that GROUND_TRACKING fits no plane of its own
+            ruler.productType = mode;  // not by the setter, so that GROUND_TRACKING fits no plane
             ruler.debugMode = true;
             ruler.filterWeight = -1.0F;
             const CapturedOutput output;
@@ -197,7 +196,7 @@ TEST(HostileCalibrationFile, APlaneThatIsNoneIsLoadedAndRefusedByEveryMeasuremen
     }
 }
 
-TEST(HostileCalibrationFile, ABatchIsRefusedOnAPlaneThatIsNone) {
+TEST(HostileCalibrationFile, ABatchIsRefusedOnAnUnusablePlane) {
     const WorkingDirectory here;
     Draws draws(43);
     DepthScene scene = blockScene(100.0F);
@@ -213,7 +212,7 @@ TEST(HostileCalibrationFile, ABatchIsRefusedOnAPlaneThatIsNone) {
     }
 }
 
-TEST(HostileCalibrationFile, LoadingAPlaneThatIsNoneSaysSoInDebugMode) {
+TEST(HostileCalibrationFile, LoadingAnUnusablePlaneSaysSoInDebugMode) {
     const WorkingDirectory here;
     for (const BadPlane& bad : kBadPlanes) {
         putCalibration(bad.line);
@@ -289,7 +288,8 @@ TEST(HostileCapture, GarbageForParametersDoesNoHarm) {
         std::string text = kParameters;
         for (int edits = draws.between(1, 6); edits > 0; --edits) {
             const auto where = static_cast<std::size_t>(draws.below(static_cast<int>(text.size())));
-            text.replace(where, static_cast<std::size_t>(draws.below(4)), garbage(draws, draws.below(6)));
+            const auto count = static_cast<std::size_t>(draws.below(4));
+            text.replace(where, count, garbage(draws, draws.below(6)));
         }
         put("capture/para.txt", text);
         const CapturedOutput silence;
@@ -373,7 +373,7 @@ TEST(HostileCapture, AnImageThatClaimsAHugeSizeIsNoImage) {
     EXPECT_NO_THROW({ EXPECT_TRUE(offlineRuler().colorImage.empty()); });
 }
 
-/// Loads into a ruler of which nothing may change unless the load succeeds.
+/// Loads into a ruler, and checks that nothing of it changes unless the load succeeds.
 /// \return "true", "false" or "raised"
 std::string outcomeOfLoading(const std::string& path) {
     Quorvel ruler = blockScene(100.0F).ruler();
@@ -433,10 +433,19 @@ std::string repeated(const std::string& text, int times) {
     return result;
 }
 
-TEST(HostileParameterFile, AYamlNameThatIsNoneIsAnErrorOfOpenCv) {
+TEST(HostileParameterFile, AYamlValueWithoutANameIsAnErrorOfOpenCv) {
     const WorkingDirectory here;
     put("ruler.yml", "%YAML:1.0\n---\nCalibration_Area:\n   rows: 3\n   ://s: 3\n");
-    EXPECT_EQ(outcomeOfLoading("ruler.yml"), "raised") << "the parser itself lets std::length_error out";
+    EXPECT_EQ(outcomeOfLoading("ruler.yml"), "raised") << "the parser itself raises std::length_error";
+    Quorvel ruler = blockScene(100.0F).ruler();
+    cv::Rect area;
+    std::string message;
+    try {
+        ruler.loadRulerParam("ruler.yml", area, area);
+    } catch (const cv::Exception& error) {
+        message = error.what();
+    }
+    EXPECT_NE(message.find("ruler.yml has a value without a name"), std::string::npos) << message;
 }
 
 TEST(HostileParameterFile, NestingThatWouldUseUpTheStackIsNotGivenToAParser) {
@@ -470,7 +479,7 @@ TEST(HostileParameterFile, GigabytesAreNotRead) {
     EXPECT_EQ(outcomeOfLoading("ruler.yml"), "false");
 }
 
-TEST(HostileParameterFile, NumbersThatAreNoneOrHugeDoNoHarm) {
+TEST(HostileParameterFile, NaNAndHugeNumbersDoNoHarm) {
     const WorkingDirectory here;
     for (const std::string number :
          {".nan", ".inf", "-.inf", "1e999", "-1e999", "99999999999999999999", "0,5", "1e-999"}) {

@@ -37,7 +37,7 @@ bool sameBytes(const cv::Mat& a, const cv::Mat& b) {
 /// A ruler that has taken and measured a frame, so that a refused one has something to change.
 class HostileFrames : public ::testing::Test {
 protected:
-    /// Checks that a frame is refused, alone and in a batch of which it is one, and that nothing is different then.
+    /// Checks that a frame is refused, alone and as a part of a batch, and that nothing changes.
     void expectRefused(const cv::Mat& color, const cv::Mat& depth) {
         EXPECT_FALSE(ruler_.getCameraFrame(color, depth));
         EXPECT_FALSE(ruler_.getCameraFrame(color, depth, color));
@@ -155,7 +155,7 @@ TEST_F(HostileFrames, MayLieAnywhereInMemory) {
     Draws draws(4);
     for (int i = 0; i < 100; ++i) {
         // A window of a window, so that the rows are apart and start at any address.
-        const cv::Point corner(draws.below(7), draws.below(7));
+        const cv::Point corner{draws.below(7), draws.below(7)};
         const cv::Rect window(corner + cv::Point(1, 2), cv::Size(64, 48));
         cv::Mat color = cv::Mat(60, 80, CV_8UC3, cv::Scalar::all(255))(cv::Rect(0, 1, 75, 58))(window);
         cv::Mat depth = cv::Mat(60, 80, CV_16UC1, cv::Scalar::all(65535))(cv::Rect(0, 1, 75, 58))(window);
@@ -243,8 +243,9 @@ TEST(HostileContent, IsMeasuredInTheSmallestPictures) {
     for (const int width : {4, 5, 7, 8, 11, 12, 15, 260}) {
         for (const int height : {4, 6, 9, 13, 21}) {
             const cv::Size size(width, height);
-            useFrame(drawColor(draws, size), drawDepth(draws, size), 5);
-            useFrame(drawColor(draws, size), cv::Mat(size, CV_16UC1, cv::Scalar(700)), 5);
+            const cv::Mat color = drawColor(draws, size);
+            useFrame(color, drawDepth(draws, size), 5);
+            useFrame(color, cv::Mat(size, CV_16UC1, cv::Scalar(700)), 5);
             ASSERT_FALSE(HasFailure()) << size;
         }
     }

@@ -41,10 +41,11 @@ TEST(HostileClouds, AreMeasured) {
     for (int i = 0; i < 4000; ++i) {
         DepthScene scene = blockScene(draws.real(20, 400));
         Quorvel ruler = scene.ruler();
-        ruler.productType = kMeasuringModes.at(static_cast<std::size_t>(draws.below(3)));
+        ruler.productType = draws.oneOf(kMeasuringModes);
         const bool oddPlane = draws.chance(40);
-        setPlane(ruler, oddPlane ? drawOddNormal(draws) : drawNormal(draws),
-                 draws.chance(20) ? drawOddFloat(draws) : 1000.0F, draws.between(-3, 30));
+        const cv::Vec3f normal = oddPlane ? drawOddNormal(draws) : drawNormal(draws);
+        const float offset = draws.chance(20) ? drawOddFloat(draws) : 1000.0F;
+        setPlane(ruler, normal, offset, draws.between(-3, 30));
         ruler.effectiveRegion = draws.chance(90) ? cv::Rect(-65536, -65536, INT_MAX, INT_MAX) : drawOddRect(draws);
         ASSERT_TRUE(ruler.getCameraFrame(scene.color(), scene.depth(draws)));
         ruler.pointCloud = drawOddCloud(draws, ruler.pointCloud.size());
@@ -151,7 +152,7 @@ TEST(HostileMembers, OfOtherFormsInBatchesAreRefused) {
     }
 }
 
-/// One ruler that is used in every order and way. All its draws come from one seed.
+/// One ruler on which calls are made in random order and with random arguments, all drawn from one seed.
 class ShortLife {
 public:
     explicit ShortLife(unsigned seed)
@@ -161,7 +162,7 @@ public:
           depth_(scene_.depth(draws_)),
           ruler_(scene_.ruler()) {}
 
-    /// \return what the life looked like, for the message of a failure
+    /// \return the calls that were made, for the message of a failure
     std::string live() {
         const int steps = draws_.between(1, 25);
         for (int i = 0; i < steps && !::testing::Test::HasFailure(); ++i) {
@@ -259,7 +260,7 @@ private:
         }
     }
 
-    /// Only what is written to files may raise an exception, and only OpenCV's.
+    /// Only calls that write files may raise an exception, and only one of OpenCV's.
     void saveAndLoad(cv::Rect& one, cv::Rect& other) {
         try {
             ruler_.saveRulerParam("ruler.yml");
@@ -274,9 +275,14 @@ private:
 
     void restart() {
         const bool offline = draws_.chance(30);
-        ruler_ = Quorvel(scene_.focal, scene_.focal, draws_.chance(80) ? 32.0F : drawOddFloat(draws_), 24,
-                         draws_.chance(80) ? scene_.size.width : drawOddInt(draws_), scene_.size.height, offline,
-                         draws_.chance(50) ? "nowhere" : "param");
+        ruler_ = Quorvel{scene_.focal,
+                         scene_.focal,
+                         draws_.chance(80) ? 32.0F : drawOddFloat(draws_),
+                         24,
+                         draws_.chance(80) ? scene_.size.width : drawOddInt(draws_),
+                         scene_.size.height,
+                         offline,
+                         draws_.chance(50) ? "nowhere" : "param"};
     }
 
     void setSomething() {
@@ -304,44 +310,46 @@ private:
             case 5:
                 ruler_.setFilterWeight(draws_.chance(50) ? -1.0F : drawOddFloat(draws_));
                 break;
-            default:
-                ruler_.setCameraType(draws_.chance(50), draws_.chance(50) ? 5 : drawOddInt(draws_));
+            default: {
+                const bool enable = draws_.chance(50);
+                ruler_.setCameraType(enable, draws_.chance(50) ? 5 : drawOddInt(draws_));
                 break;
+            }
         }
     }
 
     void writeSomething() {
-        static const std::vector<float Quorvel::*> kFloats{
-            &Quorvel::refPlaneOffset, &Quorvel::cameraType,   &Quorvel::fx,           &Quorvel::fy,
-            &Quorvel::invFx,          &Quorvel::invFy,        &Quorvel::cx,           &Quorvel::cy,
-            &Quorvel::fxSmall,        &Quorvel::invFxSmall,   &Quorvel::invFySmall,   &Quorvel::cxSmall,
-            &Quorvel::cySmall,        &Quorvel::cameraHeight, &Quorvel::filterWeight, &Quorvel::minObjectHeight};
-        static const std::vector<int Quorvel::*> kInts{&Quorvel::imageWidth, &Quorvel::imageHeight, &Quorvel::downScale,
-                                                       &Quorvel::minObjectPixels, &Quorvel::productType};
+        static const auto kFloats = membersOf<float>();
+        static const auto kInts = membersOf<int>();
         static const auto kImages = rulerImages();
         static const auto kBuffers = rulerBuffers();
         const int what = draws_.below(10);
         tell("write " + std::to_string(what));
         switch (what) {
             case 0:
-                ruler_.*pick(kFloats) = drawOddFloat(draws_);
+                ruler_.*draws_.oneOf(kFloats).pointer = drawOddFloat(draws_);
                 break;
             case 1:
-                ruler_.*pick(kInts) = drawOddInt(draws_);
+                ruler_.*draws_.oneOf(kInts).pointer = drawOddInt(draws_);
                 break;
             case 2:
-                ruler_.*pick(kImages).second = drawOddImage(draws_);
+                ruler_.*draws_.oneOf(kImages).pointer = drawOddImage(draws_);
                 break;
-            case 3:
-                ruler_.*pick(kImages).second = ruler_.*pick(kImages).second;
+            case 3: {
+                const cv::Mat other = ruler_.*draws_.oneOf(kImages).pointer;
+                ruler_.*draws_.oneOf(kImages).pointer = other;
                 break;
+            }
             case 9:
                 // A header of its own: what shares the pixels keeps them.
-                (ruler_.*pick(kImages).second).data = nullptr;
+                (ruler_.*draws_.oneOf(kImages).pointer).data = nullptr;
                 break;
-            case 4:
-                (ruler_.*pick(kBuffers).second).resize(static_cast<std::size_t>(draws_.below(4)), drawOddImage(draws_));
+            case 4: {
+                const auto count = static_cast<std::size_t>(draws_.below(4));
+                std::vector<cv::Mat>& buffer = ruler_.*draws_.oneOf(kBuffers).pointer;
+                buffer.resize(count, drawOddImage(draws_));
                 break;
+            }
             case 5:
                 ruler_.pointCloud =
                     drawOddCloud(draws_, ruler_.pointCloud.dims == 2 ? ruler_.pointCloud.size() : cv::Size(9, 9));
@@ -349,19 +357,15 @@ private:
             case 6:
                 ruler_.offlineMode = draws_.chance(30);
                 break;
-            case 7:
-                setPlane(ruler_, draws_.chance(60) ? drawNormal(draws_) : drawOddNormal(draws_), 1000,
-                         draws_.below(20));
+            case 7: {
+                const cv::Vec3f normal = draws_.chance(60) ? drawNormal(draws_) : drawOddNormal(draws_);
+                setPlane(ruler_, normal, 1000, draws_.below(20));
                 break;
+            }
             default:
                 ruler_.calibStatus = draws_.chance(50);
                 break;
         }
-    }
-
-    template <typename Value>
-    const Value& pick(const std::vector<Value>& values) {
-        return values.at(static_cast<std::size_t>(draws_.below(static_cast<int>(values.size()))));
     }
 
     Draws draws_;
@@ -372,7 +376,7 @@ private:
     std::string story_;
 };
 
-/// What a new ruler makes of one frame: calibration, measurement and a batch in every mode.
+/// The results of a new ruler for one frame: calibration, measurement and a batch in every mode.
 std::vector<MeasureResult> freshResults() {
     std::srand(9);
     Draws draws(9);
@@ -414,7 +418,7 @@ TEST(ShortLives, EndWellWhateverTheyWere) {
         const std::string story = ShortLife(seed).live();
         ASSERT_FALSE(HasFailure()) << "life " << seed << ": " << story;
     }
-    // Nothing of them is left in what the library keeps between calls.
+    // The storage that the library keeps between calls has no influence on later results.
     const std::vector<MeasureResult> after = freshResults();
     for (std::size_t i = 0; i < before.size(); ++i) {
         EXPECT_TRUE(sameResult(before[i], after[i])) << i;

@@ -36,7 +36,7 @@ Quorvel growingRuler() {
     return ruler;
 }
 
-/// Calibrates where the calibration file may not be replaced: the plane is the ruler's all the same.
+/// Calibrates where the calibration file may not be replaced; the ruler must have the new plane in any case.
 void expectCalibrationKeepsTheFile() {
     const CapturedOutput silence;
     Quorvel ruler = growingRuler();
@@ -59,7 +59,7 @@ private:
     WorkingDirectory here_;
 };
 
-TEST_F(HostilePermissions, AnUnreadableCalibrationFileIsNone) {
+TEST_F(HostilePermissions, AnUnreadableCalibrationFileCountsAsMissing) {
     fs::permissions("param/cal.txt", fs::perms::none);
     asOrdinaryUser([] {
         if (mayRead("param/cal.txt")) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Settings that no installation has: areas far outside the picture, numbers that are none, modes that do not exist.
+// Settings that no installation has: areas far outside the picture, NaN and infinite numbers, modes that do not exist.
 #include <array>
 #include <climits>
 #include <fstream>
@@ -161,7 +161,7 @@ TEST_F(HostileSettings, ASideBandMayHaveAnyWidth) {
         calibrateAndMeasure(ruler);
         ASSERT_TRUE(ruler.getCameraFrame(color_, depth_));
         ASSERT_EQ(ruler.measureOnce(), 0);
-        // As a float, what is nearest the largest int lies beyond it and counts as INT_MIN.
+        // The float nearest to the largest int is 2^31, which does not fit int and becomes INT_MIN.
         EXPECT_EQ(ruler.result.inView, width <= 1 || width >= INT_MAX - 1) << width;
     }
 }
@@ -197,7 +197,7 @@ TEST_F(HostileSettings, NoToleranceMakesFramesOfOneSceneDiffer) {
     for (const float tolerance : kOddFloats) {
         Quorvel ruler = calibratedRuler(KIOSK);
         ASSERT_TRUE(ruler.getCameraMultipleFrame({color_, color_}, {depth_, depth_}));
-        const int expected = tolerance < 0 ? 1 : 0;  // the difference is 0, and no number is below a NaN
+        const int expected = tolerance < 0 ? 1 : 0;  // the difference is 0, which is not greater than NaN
         EXPECT_EQ(ruler.measureMultiple(tolerance, tolerance, tolerance), expected) << tolerance;
         EXPECT_TRUE(ruler.depthFrameBuffer.empty()) << tolerance;
     }

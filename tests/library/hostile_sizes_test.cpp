@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Cameras that do not exist: sizes that are too large or none, focal lengths that are no numbers.
+// Cameras that do not exist: sizes that are too large or not positive, focal lengths of NaN.
 #include <atomic>
 #include <climits>
 #include <cstddef>
@@ -15,7 +15,7 @@
 
 #include <quorvel/quorvel.h>
 
-#include "common/frame_size.h"
+#include "image/image_form.h"
 #include "library/depth_scene.h"
 #include "library/frame_draws.h"
 #include "library/hostile_draws.h"
@@ -53,7 +53,7 @@ private:
     cv::MatAllocator* previous_;
 };
 
-/// Memory that is only asked for page by page, when it is touched: room for the largest images.
+/// Memory of which the system provides a page only when it is used: room for the largest images.
 class EmptyPages {
 public:
     explicit EmptyPages(std::size_t bytes) : bytes_(bytes) {
@@ -166,7 +166,7 @@ TEST(HugeFrames, AreRefusedWhenAHostPutsThemIn) {
 }
 
 TEST(HugeFrames, AreRefusedBehindSmallImagesToo) {
-    // The detection area is drawn into a picture of the small image's size times the factor, which is the host's.
+    // The detection area is drawn into a picture of the small image's size times a factor that the host may set.
     const WorkingDirectory directory;
     const CapturedOutput output;
     const DepthScene scene = blockScene(200);

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "library/calib_support.h"
+#include "library/fast_forms.h"
 #include "library/plain/least_squares.h"
 #include "support/loop_variants.h"
 #include "support/same_bits.h"
@@ -29,7 +30,7 @@ struct FitResult {
 
 FitResult fit(const cv::Mat& cloud, float minPoints) {
     FitResult result;
-    result.status = fitPlaneLeastSquares(cloud, result.normal, result.offset, minPoints);
+    result.status = fast::fitPlaneLeastSquares(cloud, result.normal, result.offset, minPoints);
     return result;
 }
 
@@ -149,12 +150,14 @@ TEST(FitPlaneLeastSquares, SumsInFloatInRowOrder) {
 }
 
 TEST(FitPlaneLeastSquares, AgreesWithThePlainFormOnRandomClouds) {
-    calib::Random random(51);
+    Draws random(51);
     for (int i = 0; i < 2000; ++i) {
         const auto kind = static_cast<calib::CloudKind>(random.below(3));
-        const cv::Mat cloud =
-            calib::randomCloud(random, random.within(1, 12), random.within(1, 40), kind, random.below(4) * 33);
-        const float minPoints = random.chance(50) ? 0.0F : random.between(0.0F, 60.0F);
+        const int rows = random.between(1, 12);
+        const int columns = random.between(1, 40);
+        const int absent = random.below(4) * 33;
+        const cv::Mat cloud = calib::randomCloud(random, rows, columns, kind, absent);
+        const float minPoints = random.chance(50) ? 0.0F : random.real(0.0F, 60.0F);
         expectAsPlain(cloud, minPoints);
         expectAsPlain(calib::asSubMatrix(cloud), minPoints);
     }
@@ -172,9 +175,9 @@ TEST(FitPlaneLeastSquares, AbsentPointsAddNothingWhateverTheyHold) {
 }
 
 TEST(PlaneSums, PointsAddedOneByOneAndByRowsMakeTheSamePlane) {
-    calib::Random random(53);
+    Draws random(53);
     for (int i = 0; i < 200; ++i) {
-        const cv::Mat cloud = calib::randomCloud(random, 1, random.within(1, 60), calib::CloudKind::kFloats, 0);
+        const cv::Mat cloud = calib::randomCloud(random, 1, random.between(1, 60), calib::CloudKind::kFloats, 0);
         internal::PlaneSums single;
         for (int column = 0; column < cloud.cols; ++column) {
             single.add(cloud.at<cv::Vec3f>(column));
@@ -200,14 +203,14 @@ TEST(PlaneSums, CountsLikeAFloat) {
 }
 
 TEST(FitPlaneLeastSquares, AgreesWithThePlainFormOnLargeFloors) {
-    calib::Random random(52);
+    Draws random(52);
     for (int i = 0; i < 10; ++i) {
         calib::FloorView view;
         view.width = 200;
         view.height = 150;
         view.focal = 180.0F;
-        view.slopeX = random.between(-0.3F, 0.3F);
-        view.slopeY = random.between(-0.3F, 0.3F);
+        view.slopeX = random.real(-0.3F, 0.3F);
+        view.slopeY = random.real(-0.3F, 0.3F);
         view.noise = 3.0F;
         view.absent = 10;
         expectAsPlain(calib::floorCloud(view, random), 1000.0F);

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "common/platform.h"
-#include "common/time_text.h"
+#include "files/platform.h"
+#include "files/time_text.h"
 #include "support/time_zone.h"
 
 namespace quorvel::test {

@@ -3,33 +3,12 @@
 
 #include <cmath>
 #include <limits>
-#include <random>
 
 #include <opencv2/core.hpp>
 
+#include "support/random.h"
+
 namespace quorvel::test {
-
-/// Random numbers for the tests of the measuring stages: the same on every platform, because the reductions are our
-/// own and not those of the standard library's distributions.
-class Draws {
-public:
-    explicit Draws(unsigned seed) : generator_(seed) {}
-
-    /// \return 0 ... bound - 1
-    int below(int bound) { return static_cast<int>(generator_() % static_cast<unsigned>(bound)); }
-    /// \return low ... high, both included
-    int between(int low, int high) { return low + below(high - low + 1); }
-    /// \return low ... high in 2^16 steps
-    float real(float low, float high) { return low + (high - low) * (static_cast<float>(below(65536)) / 65536.0F); }
-    /// \return low ... high in 2^32 steps
-    double uniform(double low, double high) {
-        return low + (high - low) * (static_cast<double>(generator_()) / 4294967296.0);
-    }
-    bool chance(int percent) { return below(100) < percent; }
-
-private:
-    std::mt19937 generator_;
-};
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();

@@ -14,6 +14,7 @@
 #include "library/depth_scene.h"
 #include "library/frame_draws.h"
 #include "library/plain/batch.h"
+#include "library/same_result.h"
 #include "library/same_ruler.h"
 #include "support/captured_output.h"
 #include "support/loop_variants.h"
@@ -66,10 +67,6 @@ MeasureResult measuredAlone(const DepthScene& scene, const cv::Mat& color, const
     prepare(ruler, scene, KIOSK);
     EXPECT_EQ(ruler.measureOnce(), 0);
     return ruler.result;
-}
-
-MeasureResult oldResult() {
-    return {{{1, 2}, {3, 4}}, 5, 6, 7, true, true, 8};
 }
 
 ::testing::AssertionResult allBuffersEmpty(const Quorvel& ruler) {
@@ -225,7 +222,7 @@ TEST(MeasureMultiple, NeedsAPlaneInKioskAndKeepsTheBatchWithoutOne) {
         EXPECT_EQ(ruler.measureMultiple(50, 50, 50), 1);
         EXPECT_EQ(output.text(), debug ? kNoPlane : "");
         EXPECT_TRUE(sameRuler(ruler, expected)) << "only the result is reset";
-        // A host that has calibrated meanwhile measures the batch it still has.
+        // After a calibration the host can measure the batch that was kept.
         ruler.calibStatus = true;
         EXPECT_EQ(ruler.measureMultiple(50, 50, 50), 0);
         EXPECT_TRUE(ruler.result.inView);
@@ -252,7 +249,7 @@ TEST(MeasureMultiple, AsksForNoCalibrationInGroundTracking) {
 }
 
 /// A call that must fail: status 1, result reset, these lines on standard output, buffers emptied.
-void expectFailure(Quorvel ruler, const std::string& message, const std::string& what) {
+void expectFailure(const Quorvel& ruler, const std::string& message, const std::string& what) {
     for (const bool debug : {false, true}) {
         Quorvel tried = detachedCopy(ruler);
         tried.debugMode = debug;
@@ -424,25 +421,6 @@ TEST(MeasureMultiple, SurvivesAHostThatChangesTheBuffers) {
     }
 }
 
-/// Any state that a host can bring a ruler into with its setters.
-void drawState(Draws& draws, const DepthScene& scene, Quorvel& ruler) {
-    ruler.productType = draws.chance(4) ? draws.between(2, 5) : draws.below(2);
-    const cv::Vec3f normal(draws.real(-0.05F, 0.05F), draws.real(-0.05F, 0.05F), 1);
-    setPlane(ruler, draws.chance(50) ? cv::Vec3f(0, 0, 1) : normal * (1.0F / static_cast<float>(cv::norm(normal))),
-             draws.chance(60) ? scene.distance : scene.distance + draws.real(-10, 10), draws.below(25));
-    if (draws.chance(3)) {
-        ruler.refPlaneNormal = {0, 0, 0};
-    }
-    ruler.calibStatus = !draws.chance(6);
-    ruler.debugMode = draws.chance(50);
-    ruler.minObjectHeight = draws.real(2, 20);
-    ruler.filterWeight = draws.chance(40) ? 0.0F : draws.real(-0.05F, 0.05F);
-    if (draws.chance(30)) {
-        ruler.setCameraType(true, draws.between(-10, 40));
-    }
-    ruler.effectiveRegion = draws.chance(80) ? cv::Rect(cv::Point(0, 0), scene.size) : cv::Rect(10, 10, 30, 20);
-}
-
 class MeasureMultipleLoops : public EveryLoopVariant {};
 
 INSTANTIATE_TEST_SUITE_P(Loops, MeasureMultipleLoops, runnableLoopVariants(), loopVariantName);
@@ -450,7 +428,7 @@ INSTANTIATE_TEST_SUITE_P(Loops, MeasureMultipleLoops, runnableLoopVariants(), lo
 TEST_P(MeasureMultipleLoops, AgreesWithThePlainFormInRandomStates) {
     Draws draws(420);
     std::array<int, 2> measured{};
-    for (int run = 0; run < 300; ++run) {
+    for (int run = 0; run < 400; ++run) {
         DepthScene scene = drawScene(draws);
         scene.noise = draws.chance(50) ? 0 : draws.between(1, 2);
         Quorvel ruler = scene.ruler();
@@ -459,6 +437,7 @@ TEST_P(MeasureMultipleLoops, AgreesWithThePlainFormInRandomStates) {
         const Batch host = batch.clone();
         ASSERT_TRUE(ruler.getCameraMultipleFrame(batch.colors, batch.depths));
         const CapturedOutput settingsOutput;
+        ruler.productType = draws.chance(4) ? draws.between(2, 5) : draws.below(2);
         drawState(draws, scene, ruler);
         ruler.result = oldResult();
         Quorvel byHand = detachedCopy(ruler);

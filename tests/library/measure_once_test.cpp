@@ -11,6 +11,7 @@
 #include <quorvel/quorvel.h>
 
 #include "library/depth_scene.h"
+#include "library/measure_draws.h"
 #include "library/plain/object_chain.h"
 #include "library/same_result.h"
 #include "support/captured_output.h"
@@ -32,11 +33,6 @@ Quorvel rulerBefore(const DepthScene& scene, ProductType mode) {
     ruler.productType = mode;
     ruler.effectiveRegion = cv::Rect(cv::Point(0, 0), scene.size);
     return ruler;
-}
-
-/// What a measurement found before, to see it reset.
-MeasureResult oldResult() {
-    return {{{1, 2}, {3, 4}}, 5, 6, 7, true, true, 8};
 }
 
 void expectSameImages(const Quorvel& a, const Quorvel& b) {
@@ -136,7 +132,7 @@ TEST(MeasureOnce, FailsWithAZeroNormalInEveryMode) {
         EXPECT_EQ(ruler.measureOnce(), 1) << mode;
         EXPECT_TRUE(isEmptyResult(ruler.result)) << mode;
     }
-    // Without a distance every depth is ground, and the search for an object says so as well.
+    // With the distance 0 every depth is ground, and the search for an object prints its line too.
     Quorvel ruler = rulerBefore(blockScene(200), GROUND_TRACKING);
     setPlane(ruler, {0, 0, 0}, 0, 0);
     const CapturedOutput output;
@@ -332,7 +328,7 @@ TEST(MeasureOnce, SurvivesAHostThatSwapsImages) {
 }
 
 TEST(MeasureOnce, SurvivesAHostThatChangesTheDownScale) {
-    // The picture's size is taken as the small image's times the factor: none, a negative one, a part, a huge one.
+    // The picture's size is the size of the small image times this factor: 0, negative, too small or huge.
     for (const auto& [downScale, inView] :
          {std::pair<int, bool>{0, false}, {-4, false}, {2, false}, {1000, true}, {1 << 30, true}}) {
         Quorvel ruler = rulerBefore(blockScene(200), KIOSK);
@@ -363,30 +359,6 @@ TEST(MeasureOnce, MeasuresTheLastGoodFrameAfterARefusedOne) {
     EXPECT_TRUE(sameResult(ruler.result, untouched.result));
 }
 
-/// Any state that a host can bring a ruler into with its setters.
-void drawState(Draws& draws, const DepthScene& scene, Quorvel& ruler) {
-    ruler.productType = draws.chance(6) ? draws.between(3, 5) : draws.below(3);
-    const cv::Vec3f normal(draws.real(-0.05F, 0.05F), draws.real(-0.05F, 0.05F), 1);
-    setPlane(ruler, draws.chance(30) ? cv::Vec3f(0, 0, 1) : normal * (1.0F / static_cast<float>(cv::norm(normal))),
-             draws.chance(50) ? scene.distance : scene.distance + draws.real(-10, 10), draws.below(25));
-    if (draws.chance(4)) {
-        ruler.refPlaneNormal = {0, 0, 0};
-    }
-    ruler.calibStatus = !draws.chance(6);
-    ruler.debugMode = draws.chance(50);
-    ruler.minObjectHeight = draws.real(2, 20);
-    ruler.filterWeight = draws.chance(40) ? 0.0F : draws.real(-0.05F, 0.05F);
-    if (draws.chance(40)) {
-        ruler.setCameraType(true, draws.between(-10, 80));
-    }
-    if (draws.chance(70)) {
-        ruler.effectiveRegion = cv::Rect(cv::Point(0, 0), scene.size);
-    } else {
-        ruler.effectiveRegion = {draws.between(-5, scene.size.width), draws.between(-5, scene.size.height),
-                                 draws.between(0, 40), draws.between(0, 40)};
-    }
-}
-
 class MeasureOnceLoops : public EveryLoopVariant {};
 
 INSTANTIATE_TEST_SUITE_P(Loops, MeasureOnceLoops, runnableLoopVariants(), loopVariantName);
@@ -400,6 +372,7 @@ TEST_P(MeasureOnceLoops, AgreesWithThePlainFormInRandomStates) {
         ruler.downScale = draws.chance(70) ? 4 : draws.between(1, 5);
         ASSERT_TRUE(ruler.getCameraFrame(scene.color(), scene.depth(draws)));
         const CapturedOutput settingsOutput;
+        ruler.productType = draws.chance(6) ? draws.between(3, 5) : draws.below(3);
         drawState(draws, scene, ruler);
         ruler.result = oldResult();
         Quorvel byHand = detachedCopy(ruler);

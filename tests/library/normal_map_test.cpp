@@ -32,7 +32,7 @@ cv::Vec3f middleColour(const cv::Mat& cloud) {
 }
 
 TEST(ComputeNormalMap, AFlatFloorSeenStraightFacesAway) {
-    calib::Random random(61);
+    Draws random(61);
     calib::FloorView view;
     view.width = 8;
     view.height = 6;
@@ -46,7 +46,7 @@ TEST(ComputeNormalMap, AFlatFloorSeenStraightFacesAway) {
 }
 
 TEST(ComputeNormalMap, TheOutermostRowsAndColumnsStayZero) {
-    calib::Random random(62);
+    Draws random(62);
     const cv::Mat map = computeNormalMap(calib::randomCloud(random, 5, 7, calib::CloudKind::kFloats, 0));
     for (int row = 0; row < 5; ++row) {
         for (int column = 0; column < 7; ++column) {
@@ -57,7 +57,7 @@ TEST(ComputeNormalMap, TheOutermostRowsAndColumnsStayZero) {
 }
 
 TEST(ComputeNormalMap, OnlyTheCentreOfThreeByThreeIsSet) {
-    calib::Random random(63);
+    Draws random(63);
     cv::Mat map = computeNormalMap(calib::randomCloud(random, 3, 3, calib::CloudKind::kFloats, 0));
     EXPECT_NE(map.at<cv::Vec3f>(1, 1), kNone);
     map.at<cv::Vec3f>(1, 1) = kNone;
@@ -92,7 +92,7 @@ TEST(ComputeNormalMap, AbsentNeighboursTakePartAsTheyAre) {
 }
 
 TEST(ComputeNormalMap, MapsOfFewerThanThreeRowsOrColumnsAreZero) {
-    calib::Random random(64);
+    Draws random(64);
     for (const cv::Size size : {cv::Size(1, 1), cv::Size(2, 2), cv::Size(1, 9), cv::Size(9, 1), cv::Size(2, 9)}) {
         const cv::Mat cloud = calib::randomCloud(random, size.height, size.width, calib::CloudKind::kFloats, 0);
         EXPECT_TRUE(sameBits(computeNormalMap(cloud), cv::Mat::zeros(size, CV_32FC3))) << size;
@@ -109,17 +109,19 @@ void expectAsPlain(const cv::Mat& cloud, const std::string& what) {
 }
 
 TEST(ComputeNormalMap, AgreesWithThePlainFormOnRandomClouds) {
-    calib::Random random(65);
+    Draws random(65);
     for (int i = 0; i < 2000; ++i) {
         const auto kind = static_cast<calib::CloudKind>(random.below(3));
-        const cv::Size size(random.within(1, 24), random.within(1, 8));
+        const int columns = random.between(1, 24);
+        const int rows = random.between(1, 8);
+        const cv::Size size(columns, rows);
         expectAsPlain(calib::randomCloud(random, size.height, size.width, kind, random.below(4) * 33),
                       "input " + std::to_string(i));
     }
 }
 
 TEST(ComputeNormalMap, AgreesWithThePlainFormOnExtremeLengths) {
-    calib::Random random(66);
+    Draws random(66);
     for (const float scale : {1e-20F, 1e-12F, 1e9F, 1e18F, 1e30F}) {
         expectAsPlain(calib::randomCloud(random, 20, 20, calib::CloudKind::kFloats, 10) * scale,
                       "scale " + std::to_string(scale));
@@ -127,7 +129,7 @@ TEST(ComputeNormalMap, AgreesWithThePlainFormOnExtremeLengths) {
 }
 
 TEST(ComputeNormalMap, HandsOutAMapThatLaterCallsLeave) {
-    calib::Random random(67);
+    Draws random(67);
     const cv::Mat cloud = calib::randomCloud(random, 9, 9, calib::CloudKind::kFloats, 0);
     const cv::Mat kept = computeNormalMap(cloud);
     computeNormalMap(cloud * 2);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "common/numbers.h"
+#include "image/numbers.h"
 
 #include <climits>
 #include <cmath>
@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "library/calib_support.h"
+#include "support/random.h"
 
 namespace quorvel::test {
 
@@ -16,7 +16,7 @@ namespace {
 using internal::roundToInt;
 using internal::truncateToInt;
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kWideInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 TEST(TruncateToInt, DropsTheFractionOnBothSidesOfZero) {
@@ -38,8 +38,8 @@ TEST(TruncateToInt, GivesIntMinForWhatIntCannotHold) {
     EXPECT_EQ(truncateToInt(2147483648.0), INT_MIN);
     EXPECT_EQ(truncateToInt(-2147483649.0), INT_MIN);
     EXPECT_EQ(truncateToInt(1e300), INT_MIN);
-    EXPECT_EQ(truncateToInt(kInfinity), INT_MIN);
-    EXPECT_EQ(truncateToInt(-kInfinity), INT_MIN);
+    EXPECT_EQ(truncateToInt(kWideInfinity), INT_MIN);
+    EXPECT_EQ(truncateToInt(-kWideInfinity), INT_MIN);
     EXPECT_EQ(truncateToInt(kNan), INT_MIN);
 }
 
@@ -59,14 +59,14 @@ TEST(RoundToInt, GivesIntMinForWhatIntCannotHold) {
     EXPECT_EQ(roundToInt(2147483647.5), INT_MIN) << "rounds up to 2147483648";
     EXPECT_EQ(roundToInt(-2147483648.5), INT_MIN) << "rounds to the even -2147483648";
     EXPECT_EQ(roundToInt(static_cast<double>(2147483648.0F)), INT_MIN);
-    EXPECT_EQ(roundToInt(kInfinity), INT_MIN);
+    EXPECT_EQ(roundToInt(kWideInfinity), INT_MIN);
     EXPECT_EQ(roundToInt(kNan), INT_MIN);
 }
 
 TEST(RoundToInt, IsTheNearestIntAndEvenBetweenTwo) {
-    calib::Random random(11);
+    Draws random(11);
     for (int i = 0; i < 2000; ++i) {
-        const int whole = random.within(-100000, 100000);
+        const int whole = random.between(-100000, 100000);
         const int eighths = random.below(8);
         const double value = whole + eighths / 8.0;
         const int even = whole % 2 == 0 ? whole : whole + 1;

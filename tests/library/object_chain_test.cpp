@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "library/depth_scene.h"
+#include "library/fast_forms.h"
 #include "library/plain/back_projection.h"
 #include "library/plain/object_chain.h"
 #include "library/same_result.h"
@@ -50,9 +51,9 @@ plain::FootprintInput inputOf(const internal::MeasureSettings& settings, const c
     input.fx = settings.camera.fx;
     input.fy = settings.camera.fy;
     input.downScale = settings.downScale;
-    input.cameraTypeSet = settings.cameraTypeSet;
-    input.cameraType = settings.cameraType;
-    input.effectiveRegion = settings.effectiveRegion;
+    input.cameraTypeSet = settings.sideBand.has_value();
+    input.cameraType = settings.sideBand.value_or(0);
+    input.effectiveRegion = settings.detectionArea;
     return input;
 }
 
@@ -64,12 +65,12 @@ internal::MeasureSettings settingsFor(const DepthScene& scene, int downScale) {
     settings.camera = {static_cast<float>(scene.size.width) * 0.5F, static_cast<float>(scene.size.height) * 0.5F,
                        scene.focal, scene.focal};
     settings.downScale = downScale;
-    settings.effectiveRegion = cv::Rect(cv::Point(0, 0), scene.size);
+    settings.detectionArea = cv::Rect(cv::Point(0, 0), scene.size);
     return settings;
 }
 
 int measure(ChainFrame& frame, const internal::MeasureSettings& settings, MeasureResult& result) {
-    return internal::measureObject({frame.depthSmall, frame.cloudSmall, frame.cloud}, settings, result);
+    return fast::measureObject({frame.depthSmall, frame.cloudSmall, frame.cloud}, settings, result);
 }
 
 MeasureResult marked() {
@@ -100,8 +101,7 @@ TEST(ObjectChain, ChoosesTheFootprintVariant) {
     Draws draws(1);
     const DepthScene scene = blockScene(200);
     internal::MeasureSettings settings = settingsFor(scene, 4);
-    settings.cameraTypeSet = true;
-    settings.cameraType = 30;
+    settings.sideBand = 30;
     settings.variant = internal::FootprintVariant::WithoutMargin;
     ChainFrame frame = frameOf(scene, draws, 4);
     MeasureResult result;
@@ -117,14 +117,14 @@ TEST(ObjectChain, ChoosesTheFootprintVariant) {
 
 TEST(ObjectChain, TimesTheStagesThatRan) {
     Draws draws(1);
-    MeasureResult result;
     const auto times = [&](float height) {
         const DepthScene scene = blockScene(height);
         ChainFrame frame = frameOf(scene, draws, 4);
-        internal::StageTimes stages;
-        internal::measureObject({frame.depthSmall, frame.cloudSmall, frame.cloud}, settingsFor(scene, 4), result,
-                                &stages);
-        return stages;
+        internal::AccountDetail detail;
+        detail.times = true;
+        return *internal::measureObject({frame.depthSmall, frame.cloudSmall, frame.cloud}, settingsFor(scene, 4),
+                                        detail)
+                    .times;
     };
     const internal::StageTimes whole = times(200);
     for (const double stage : {whole.heightCut, whole.component, whole.window, whole.surfaceFilter, whole.footprint}) {
@@ -206,12 +206,14 @@ TEST_P(ObjectChainLoops, AgreesWithThePlainFormOnRandomScenes) {
         const DepthScene scene = drawScene(draws);
         const int downScale = draws.between(1, 5);
         internal::MeasureSettings settings = settingsFor(scene, downScale);
-        settings.plane.normal =
-            draws.chance(5) ? cv::Vec3f(0, 0, 0) : cv::Vec3f(draws.real(-0.05F, 0.05F), draws.real(-0.05F, 0.05F), 1);
+        const float slopeX = draws.real(-0.05F, 0.05F);
+        const float slopeY = draws.real(-0.05F, 0.05F);
+        settings.plane.normal = draws.chance(5) ? cv::Vec3f(0, 0, 0) : cv::Vec3f(slopeX, slopeY, 1);
         settings.minHeight = draws.real(2, 20);
         settings.minPixels = draws.below(30);
-        settings.cameraTypeSet = draws.chance(50);
-        settings.cameraType = draws.between(0, 60);
+        const bool sideBand = draws.chance(50);
+        const int millimetres = draws.between(0, 60);
+        settings.sideBand = sideBand ? std::optional(millimetres) : std::nullopt;
         settings.variant =
             draws.chance(60) ? internal::FootprintVariant::General : internal::FootprintVariant::WithoutMargin;
         ChainFrame frame = frameOf(scene, draws, downScale);

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
 
+#include "library/fast_forms.h"
 #include "library/measure_draws.h"
 #include "library/plain/object_component.h"
 #include "support/captured_output.h"
@@ -43,7 +44,7 @@ Selection select(const cv::Mat& depth, int minPixels) {
     const CapturedOutput captured;
     Selection selection;
     selection.mask = maskOf(depth);
-    selection.status = internal::selectObjectComponent(depth, minPixels, selection.mask);
+    selection.status = fast::selectObjectComponent(depth, minPixels, selection.mask);
     selection.output = captured.text();
     return selection;
 }
@@ -52,7 +53,7 @@ TEST(ObjectComponent, ReportsAnEmptyImageAndLeavesTheMask) {
     const cv::Mat depth = cv::Mat::zeros(6, 8, CV_16UC1);
     cv::Mat mask(6, 8, CV_8UC1, cv::Scalar(255));
     const CapturedOutput captured;
-    EXPECT_EQ(internal::selectObjectComponent(depth, 0, mask), 1);
+    EXPECT_EQ(fast::selectObjectComponent(depth, 0, mask), 1);
     EXPECT_EQ(captured.text(), kNoObject);
     EXPECT_EQ(cv::countNonZero(mask), 48) << "the mask must stay as the height cut made it";
 }
@@ -156,7 +157,7 @@ TEST(ObjectComponent, OnlyReducesTheMask) {
     // A candidate that the height cut did not mark stays unmarked.
     const cv::Mat depth = depthWith({9, 9}, {{3, 3, 3, 3}});
     cv::Mat mask = cv::Mat::zeros(9, 9, CV_8UC1);
-    EXPECT_EQ(internal::selectObjectComponent(depth, 4, mask), 0);
+    EXPECT_EQ(fast::selectObjectComponent(depth, 4, mask), 0);
     EXPECT_EQ(cv::countNonZero(mask), 0);
 }
 
@@ -198,12 +199,17 @@ TEST(ObjectComponent, AcceptsASinglePixelImage) {
 
 /// Blobs of random rectangles, speckle, or a full image.
 cv::Mat drawDepth(Draws& draws) {
-    const cv::Size size(draws.between(1, 24), draws.between(1, 24));
+    const int columns = draws.between(1, 24);
+    const int rows = draws.between(1, 24);
+    const cv::Size size(columns, rows);
     cv::Mat depth = drawMatrix(draws, size, CV_16UC1);
     const int rectangles = draws.below(9);
     for (int i = 0; i < rectangles; ++i) {
-        const cv::Rect wanted(draws.between(-3, size.width), draws.between(-3, size.height), draws.between(1, 9),
-                              draws.between(1, 9));
+        const int left = draws.between(-3, size.width);
+        const int top = draws.between(-3, size.height);
+        const int width = draws.between(1, 9);
+        const int height = draws.between(1, 9);
+        const cv::Rect wanted(left, top, width, height);
         depth(wanted & cv::Rect(cv::Point(0, 0), size)).setTo(draws.between(1, 1200));
     }
     const int speckle = draws.chance(50) ? draws.below(60) : 0;
@@ -223,8 +229,8 @@ TEST(ObjectComponent, TakesWhatSurroundsAWindowAsOutside) {
     cv::Mat alone(depth.size(), CV_8UC1, cv::Scalar(255));
     cv::Mat larger(20, 20, CV_8UC1, cv::Scalar(255));
     cv::Mat window = larger(cv::Rect(5, 7, depth.cols, depth.rows));
-    ASSERT_EQ(internal::selectObjectComponent(depth, 1, alone), 0);
-    ASSERT_EQ(internal::selectObjectComponent(depth, 1, window), 0);
+    ASSERT_EQ(fast::selectObjectComponent(depth, 1, alone), 0);
+    ASSERT_EQ(fast::selectObjectComponent(depth, 1, window), 0);
     EXPECT_TRUE(sameBits(window, alone));
 }
 
@@ -245,7 +251,7 @@ TEST_P(ObjectComponentLoops, AgreesWithThePlainFormOnRandomImages) {
         const CapturedOutput plainOutput;
         const int expected = plain::selectObjectComponent(depth, minPixels, plainMask);
         const CapturedOutput output;
-        const int status = internal::selectObjectComponent(depth, minPixels, mask);
+        const int status = fast::selectObjectComponent(depth, minPixels, mask);
         ASSERT_EQ(status, expected) << "run " << run;
         ASSERT_EQ(output.text(), plainOutput.text()) << "run " << run;
         ASSERT_TRUE(sameBits(mask, plainMask)) << "run " << run << ", minimum " << minPixels << "\n" << depth;

@@ -148,7 +148,7 @@ TEST_P(ObjectPointsLoops, QuantileAgreesWithAFullSort) {
 }
 
 TEST_P(ObjectPointsLoops, QuantileIsRightWhenASampleMisleads) {
-    // Every fourth height is large: whoever looks at those alone expects far more large ones than there are.
+    // Every fourth height is large. A sample of only these heights would expect far more large ones than there are.
     Floats heights(4096);
     for (std::size_t i = 0; i < heights.size(); ++i) {
         heights[i] = i % 4 == 0 ? 1000.0F + static_cast<float>(i) : 5.0F;
@@ -160,7 +160,9 @@ TEST_P(ObjectPointsLoops, QuantileIsRightWhenASampleMisleads) {
 
 /// Points of a rough surface, of a few places or of wild coordinates, some of them absent.
 cv::Mat drawCloud(Draws& draws) {
-    cv::Mat cloud = drawMatrix(draws, {draws.between(1, 70), draws.between(1, 12)}, CV_32FC3);
+    const int columns = draws.between(1, 70);
+    const int rows = draws.between(1, 12);
+    cv::Mat cloud = drawMatrix(draws, {columns, rows}, CV_32FC3);
     const int kind = draws.below(4);
     const float spread = kind == 0 ? 3.0F : kind == 1 ? 900.0F : 30000.0F;
     for (int i = 0; i < cloud.rows * cloud.cols; ++i) {

@@ -28,12 +28,17 @@ cv::Mat drawMask(Draws& draws, const cv::Size& size) {
     cv::Mat mask = drawMatrix(draws, size, CV_8UC1);
     const int rectangles = draws.below(4);
     for (int i = 0; i < rectangles; ++i) {
-        const cv::Rect wanted(draws.between(-3, size.width), draws.between(-3, size.height), draws.between(1, 12),
-                              draws.between(1, 12));
+        const int left = draws.between(-3, size.width);
+        const int top = draws.between(-3, size.height);
+        const int width = draws.between(1, 12);
+        const int height = draws.between(1, 12);
+        const cv::Rect wanted(left, top, width, height);
         mask(wanted & cv::Rect(cv::Point(0, 0), size)).setTo(draws.chance(90) ? 255 : 254);
     }
     if (draws.chance(30)) {
-        mask.at<uchar>(draws.below(size.height), draws.below(size.width)) = 0;
+        const int row = draws.below(size.height);
+        const int column = draws.below(size.width);
+        mask.at<uchar>(row, column) = 0;
     }
     return mask;
 }
@@ -63,12 +68,15 @@ TEST(IsolateObject, ClearsAsTheScaledMaskDoesForAnySizes) {
     Draws draws(121);
     int points = 0;
     for (int run = 0; run < 2000; ++run) {
-        const cv::Size small(draws.between(1, 30), draws.between(1, 20));
+        const int columns = draws.between(1, 30);
+        const int rows = draws.between(1, 20);
+        const cv::Size small(columns, rows);
         const int factor = draws.between(1, 5);
         // Sides that are no multiple of the small ones too, as integer division leaves them.
         const bool exact = draws.chance(60);
-        const cv::Size full(small.width * factor + (exact ? 0 : draws.below(factor)),
-                            small.height * factor + (exact ? 0 : draws.below(factor)));
+        const int moreColumns = exact ? 0 : draws.below(factor);
+        const int moreRows = exact ? 0 : draws.below(factor);
+        const cv::Size full(columns * factor + moreColumns, rows * factor + moreRows);
         const cv::Mat mask = drawMask(draws, small);
         const cv::Mat maskBefore = mask.clone();
         cv::Mat cloud = drawCloud(draws, full);
@@ -93,12 +101,16 @@ TEST(IsolateObject, ClearsAsTheScaledMaskDoesForAnySizes) {
 TEST(MaskBounds, SurroundsWhatIsNotZero) {
     Draws draws(122);
     for (int run = 0; run < 2000; ++run) {
-        const cv::Size size(draws.between(1, 20), draws.between(1, 20));
+        const int columns = draws.between(1, 20);
+        const int rows = draws.between(1, 20);
+        const cv::Size size(columns, rows);
         cv::Mat mask = drawMatrix(draws, size, CV_8UC1);
         const int pixels = draws.below(5);
         cv::Rect expected;
         for (int i = 0; i < pixels; ++i) {
-            const cv::Point pixel(draws.below(size.width), draws.below(size.height));
+            const int column = draws.below(size.width);
+            const int row = draws.below(size.height);
+            const cv::Point pixel(column, row);
             mask.at<uchar>(pixel) = static_cast<uchar>(draws.between(1, 255));
             expected = i == 0 ? cv::Rect(pixel, cv::Size(1, 1)) : expected | cv::Rect(pixel, cv::Size(1, 1));
         }

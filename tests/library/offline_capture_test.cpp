@@ -14,7 +14,7 @@
 
 #include <quorvel/quorvel.h>
 
-#include "common/text_file.h"
+#include "files/text_file.h"
 #include "library/comma_locale.h"
 #include "library/depth_scene.h"
 #include "library/frame_draws.h"
@@ -96,7 +96,8 @@ TEST(OfflineCapture, MakesTheFoldersOfTheLocalTime) {
     const WorkingDirectory directory;
     Draws draws(1);
     Quorvel ruler = blockScene(200).ruler();
-    ASSERT_TRUE(ruler.getCameraFrame(drawColor(draws, {64, 48}), drawDepth(draws, {64, 48})));
+    const cv::Mat color = drawColor(draws, {64, 48});
+    ASSERT_TRUE(ruler.getCameraFrame(color, drawDepth(draws, {64, 48})));
     const std::string folder = save(ruler);
     ASSERT_FALSE(folder.empty());
     const std::string month = fs::path(folder).parent_path().generic_string();

@@ -339,7 +339,7 @@ TEST_F(OfflineStart, SurvivesFilesThatAreNoImages) {
 }
 
 TEST_F(OfflineStart, HasNoObjectMinimumWithoutADistance) {
-    // 50 / 0 * 0 is no number.
+    // 50 / 0 * 0 is NaN.
     std::vector<std::string> lines = parameters();
     lines[11] = "0.000000";
     writeParameters(lines);

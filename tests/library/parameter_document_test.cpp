@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "persist/parameter_document.h"
+#include "files/parameter_document.h"
 
 #include <string>
 
@@ -40,8 +40,8 @@ TEST(DocumentProblem, YamlThatIsNoMapIsKeptFromTheParser) {
         EXPECT_EQ(documentProblem(kYaml + body), notNames) << body;
     }
     EXPECT_EQ(documentProblem("%YAML:1.\n - 1\nD---\nl"), notNames) << "the parser never comes back";
-    EXPECT_EQ(documentProblem(kYaml + "A: 1.\n...\n--\n"), "goes on behind its end") << "nor here";
-    EXPECT_EQ(documentProblem(kYaml + "A: 1.\n... \n%x\n\n - 1\n"), "goes on behind its end");
+    EXPECT_EQ(documentProblem(kYaml + "A: 1.\n...\n--\n"), "continues after its end") << "nor here";
+    EXPECT_EQ(documentProblem(kYaml + "A: 1.\n... \n%x\n\n - 1\n"), "continues after its end");
 }
 
 TEST(DocumentProblem, XmlMustBeClosed) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "measure/plane_basis.h"
+#include "geometry/plane_basis.h"
 
 #include <cmath>
 

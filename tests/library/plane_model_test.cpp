@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "calib/plane_model.h"
+#include "geometry/plane_model.h"
 
 #include <climits>
 #include <cmath>
 
 #include <gtest/gtest.h>
 
-#include "library/calib_support.h"
 #include "library/measure_draws.h"
 #include "library/plain/reference_fit.h"
+#include "support/random.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -74,10 +74,10 @@ TEST(NormalColour, MapsTheUnitIntervalToTheColourRange) {
 }
 
 TEST(NormalColour, RoundsTheProductBeforeTheAddition) {
-    calib::Random random(31);
+    Draws random(31);
     int roundedTwice = 0;
     for (int i = 0; i < 5000; ++i) {
-        const float n = random.between(-1.0F, 1.0F);
+        const float n = random.real(-1.0F, 1.0F);
         const double product = static_cast<double>(n) * 127.5;
         const auto rounded = static_cast<float>(product);
         EXPECT_TRUE(sameBits(normalColour(n), rounded + 127.5F)) << "for " << n;
@@ -122,10 +122,10 @@ TEST(ObjectPixelMinimum, IsIntMinWhenIntCannotHoldIt) {
 }
 
 TEST(ObjectPixelMinimum, AgreesWithThePlainForm) {
-    calib::Random random(32);
+    Draws random(32);
     for (int i = 0; i < 2000; ++i) {
-        const float t = random.between(-10.0F, 3000.0F);
-        const float fxSmall = random.between(10.0F, 400.0F);
+        const float t = random.real(-10.0F, 3000.0F);
+        const float fxSmall = random.real(10.0F, 400.0F);
         EXPECT_EQ(objectPixelMinimum(t, fxSmall), plain::objectPixelMinimum(t, fxSmall)) << t << ", " << fxSmall;
     }
 }

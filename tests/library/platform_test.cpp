@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "common/platform.h"
+#include "files/platform.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <opencv2/imgcodecs.hpp>
 
 #include <quorvel/quorvel.h>
 
-#include "common/text_file.h"
-#include "common/whole_file.h"
+#include "files/text_file.h"
+#include "files/whole_file.h"
 #include "support/captured_output.h"
 #include "support/working_directory.h"
 
@@ -29,13 +33,29 @@ TEST(Platform, TellsAFolderFromAFileAndFromNothing) {
     ASSERT_TRUE(makeFolder("folder"));
     EXPECT_TRUE(isFolder("folder"));
     EXPECT_TRUE(isFolder("./folder"));
+    EXPECT_TRUE(isFolder("./folder/"));
+    EXPECT_TRUE(isFolder("."));
     EXPECT_TRUE(pathExists("folder"));
     EXPECT_FALSE(isFolder("file"));
     EXPECT_TRUE(pathExists("file"));
     EXPECT_FALSE(isFolder("nothing"));
+    EXPECT_FALSE(isFolder("file/nothing"));
     EXPECT_FALSE(pathExists("nothing"));
     EXPECT_FALSE(isFolder(""));
     EXPECT_FALSE(pathExists(""));
+}
+
+TEST(Platform, FollowsLinksToFolders) {
+    const WorkingDirectory here;
+    std::filesystem::create_directory("folder");
+    std::error_code failed;
+    std::filesystem::create_directory_symlink("folder", "link", failed);
+    if (failed) {
+        GTEST_SKIP() << "no links here: " << failed.message();
+    }
+    EXPECT_TRUE(isFolder("link"));
+    std::filesystem::remove("folder");
+    EXPECT_FALSE(isFolder("link")) << "a link to nothing";
 }
 
 TEST(Platform, MakesAFolderOnceAndOnlyBelowAParent) {
@@ -47,6 +67,31 @@ TEST(Platform, MakesAFolderOnceAndOnlyBelowAParent) {
     EXPECT_FALSE(makeFolder("file/folder"));
     EXPECT_FALSE(makeFolder("no/parent"));
     EXPECT_FALSE(makeFolder(""));
+}
+
+TEST(Platform, ListsTheNamesOfAFolder) {
+    const WorkingDirectory here;
+    ASSERT_TRUE(makeFolder("folder"));
+    std::ofstream("folder/a.txt") << "text";
+    ASSERT_TRUE(makeFolder("folder/b"));
+    std::vector<std::string> names = namesIn("folder/");
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{".", "..", "a.txt", "b"}));
+    names = namesIn("");
+    EXPECT_NE(std::find(names.begin(), names.end(), "folder"), names.end()) << "the working directory";
+    EXPECT_TRUE(namesIn("nothing/").empty());
+}
+
+TEST(Platform, TakesAPathApart) {
+    EXPECT_EQ(folderOf("a/b/c.txt"), "a/b/");
+    EXPECT_EQ(folderOf("/c.txt"), "/");
+    EXPECT_EQ(folderOf("c.txt"), "");
+    EXPECT_EQ(folderOf("a/"), "a/");
+    EXPECT_EQ(folderOf(""), "");
+}
+
+TEST(Platform, KnowsItselfRunning) {
+    EXPECT_TRUE(isRunning(processNumber()));
 }
 
 TEST(Platform, FoldersFilesAndImagesAgreeOnNamesBeyondAscii) {

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "library/calib_support.h"
+#include "library/fast_forms.h"
 #include "library/plain/dominant_normal.h"
 #include "library/plain/normal_map.h"
 #include "library/plain/ransac_plane.h"
@@ -35,7 +36,7 @@ struct FitResult {
 FitResult fit(const cv::Mat& cloud, const cv::Mat& map, const cv::Vec3f& bin, unsigned seed) {
     FitResult result;
     std::srand(seed);
-    result.status = internal::ransacFitPlane(cloud, map, bin, result.normal, result.offset);
+    result.status = fast::ransacFitPlane(cloud, map, bin, result.normal, result.offset);
     result.nextRandom = std::rand();
     return result;
 }
@@ -231,11 +232,11 @@ TEST(RansacFitPlane, ARoundWithoutInliersEndsTheSearchWithItsFit) {
 TEST(RansacFitPlane, PointsWithoutDepthAreNoInliersEvenOnThePlane) {
     // The floor z = 0.75 x + 1000 has the normal (-0.6, 0, 0.8), the colour (51, 127.5, 229.5) and passes through
     // (-4000 / 3, y, 0), where the last rows have points.
-    calib::Random random(113);
+    Draws random(113);
     GridScene scene(80, 80, 0.0F);
     for (int i = 0; i < 6400; ++i) {
         scene.colour(i) = cv::Vec3f(51.0F, 127.5F, 229.5F);
-        scene.point(i)[2] = 0.75F * scene.point(i)[0] + 1000.0F + random.between(-20.0F, 20.0F);
+        scene.point(i)[2] = 0.75F * scene.point(i)[0] + 1000.0F + random.real(-20.0F, 20.0F);
     }
     for (int i = 5600; i < 6400; ++i) {
         scene.point(i) = cv::Vec3f(-4000.0F / 3.0F, scene.point(i)[1], 0.0F);
@@ -290,7 +291,7 @@ TEST(RansacFitPlane, OnlyTheFirst32768PositionsAreDrawn) {
 }
 
 TEST(RansacFitPlane, TheSameSeedGivesTheSamePlaneAndAnotherSeedAnother) {
-    calib::Random random(111);
+    Draws random(111);
     calib::FloorView view;
     view.slopeX = 0.1F;
     view.noise = 5.0F;
@@ -348,57 +349,66 @@ TEST(RansacFitPlane, AValueSharedByManyIsTheFloor) {
 }
 
 TEST(RansacFitPlane, PointsThatAreNoNumbersAreSortedAsThePlainFormSortsThem) {
-    calib::Random random(114);
+    Draws random(114);
     for (int i = 0; i < 200; ++i) {
         GridScene scene(70, 70, 1000.0F);
-        for (int count = random.within(1, 40); count > 0; --count) {
-            scene.point(random.below(4900))[random.below(3)] =
-                calib::randomCoordinate(random, calib::CloudKind::kWithNonFinite) * (random.chance(50) ? 1e36F : 1.0F);
+        for (int count = random.between(1, 40); count > 0; --count) {
+            const int pixel = random.below(4900);
+            const int axis = random.below(3);
+            const float factor = random.chance(50) ? 1e36F : 1.0F;
+            scene.point(pixel)[axis] = calib::randomCoordinate(random, calib::CloudKind::kWithNonFinite) * factor;
         }
-        for (int count = random.within(0, 40); count > 0; --count) {
-            scene.colour(random.below(4900))[random.below(3)] =
-                calib::randomCoordinate(random, calib::CloudKind::kWithNonFinite);
+        for (int count = random.between(0, 40); count > 0; --count) {
+            const int pixel = random.below(4900);
+            const int channel = random.below(3);
+            scene.colour(pixel)[channel] = calib::randomCoordinate(random, calib::CloudKind::kWithNonFinite);
         }
         expectAsPlain(scene.cloud, scene.map, kFloorBin, static_cast<unsigned>(i), "scene " + std::to_string(i));
     }
 }
 
 TEST(RansacFitPlane, AgreesWithThePlainFormOnLongAndNarrowClouds) {
-    calib::Random random(115);
+    Draws random(115);
     for (const cv::Size& size : {cv::Size(1, 5000), cv::Size(5000, 1), cv::Size(63, 80), cv::Size(65, 80)}) {
         GridScene scene(size.height, size.width, 1000.0F);
         for (int i = 0; i < size.area(); ++i) {
-            scene.point(i)[2] += random.between(-20.0F, 20.0F);
+            scene.point(i)[2] += random.real(-20.0F, 20.0F);
         }
         expectAsPlain(scene.cloud, scene.map, kFloorBin, 24, std::to_string(size.width));
     }
 }
 
-/// A floor of random tilt with a random box on it, noise, absent pixels and now and then a value that is no number.
-cv::Mat randomScene(calib::Random& random) {
+/// A floor of random tilt with a random box on it, noise, absent pixels and sometimes a NaN.
+cv::Mat randomScene(Draws& random) {
     calib::FloorView view;
-    view.width = random.within(64, 85);
-    view.height = random.within(66, 85);
-    view.focal = random.between(50.0F, 120.0F);
-    view.slopeX = random.between(-0.4F, 0.4F);
-    view.slopeY = random.between(-0.4F, 0.4F);
-    view.distance = random.between(300.0F, 2500.0F);
-    view.noise = random.chance(50) ? random.between(0.0F, 4.0F) : 0.0F;
-    view.absent = random.chance(50) ? random.within(0, 8) : 0;
+    view.width = random.between(64, 85);
+    view.height = random.between(66, 85);
+    view.focal = random.real(50.0F, 120.0F);
+    view.slopeX = random.real(-0.4F, 0.4F);
+    view.slopeY = random.real(-0.4F, 0.4F);
+    view.distance = random.real(300.0F, 2500.0F);
+    view.noise = random.chance(50) ? random.real(0.0F, 4.0F) : 0.0F;
+    view.absent = random.chance(50) ? random.between(0, 8) : 0;
     view.wholeMm = random.chance(50);
     cv::Mat cloud = calib::floorCloud(view, random);
-    const cv::Rect box(random.below(view.width - 30), random.below(view.height - 30), random.within(1, 30),
-                       random.within(1, 30));
-    cloud(box) *= random.between(0.7F, 1.0F);
+    const int left = random.below(view.width - 30);
+    const int top = random.below(view.height - 30);
+    const int width = random.between(1, 30);
+    const int height = random.between(1, 30);
+    const cv::Rect box(left, top, width, height);
+    cloud(box) *= random.real(0.7F, 1.0F);
     if (random.chance(10)) {
-        cloud.at<cv::Vec3f>(random.below(view.height), random.below(view.width))[random.below(3)] =
+        const int row = random.below(view.height);
+        const int column = random.below(view.width);
+        const int axis = random.below(3);
+        cloud.at<cv::Vec3f>(row, column)[axis] =
             calib::randomCoordinate(random, calib::CloudKind::kWithNonFinite) / 0.0F;
     }
     return cloud;
 }
 
 TEST(RansacFitPlane, AgreesWithThePlainFormOnRandomScenes) {
-    calib::Random random(112);
+    Draws random(112);
     int fitted = 0;
     int failed = 0;
     int longest = 0;

@@ -139,7 +139,7 @@ TEST_F(RealCaptures, GrowingMeasuresTheObjectsThatStandTenMillimetresHigh) {
     for (const RealObject& object : kObjects) {
         ASSERT_TRUE(push(ruler, object.frame));
         ASSERT_EQ(ruler.measureOnce(), 0) << object.what;
-        // Too little of the clip stands higher than this mode's 10 mm for a region of its own.
+        // Too few pixels of the clip are higher than this mode's 10 mm to form a region.
         if (std::string(object.frame) == "01") {
             EXPECT_TRUE(ruler.result.corners.empty()) << object.what;
             continue;

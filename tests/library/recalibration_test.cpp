@@ -40,18 +40,15 @@ cv::Mat flatDepth() {
     return {kHeight, kWidth, CV_16UC1, cv::Scalar(1024)};
 }
 
-cv::Mat tiltedDepth(calib::Random& random) {
+cv::Mat tiltedDepth(Draws& random) {
     calib::FloorView view;
     view.width = kWidth;
     view.height = kHeight;
     view.focal = 256.0F;
-    view.slopeX = random.between(-0.2F, 0.2F);
-    view.slopeY = random.between(-0.2F, 0.2F);
-    view.noise = random.between(0.0F, 2.0F);
-    cv::Mat depth;
-    cv::extractChannel(calib::floorCloud(view, random), depth, 2);
-    depth.convertTo(depth, CV_16U);
-    return depth;
+    view.slopeX = random.real(-0.2F, 0.2F);
+    view.slopeY = random.real(-0.2F, 0.2F);
+    view.noise = random.real(0.0F, 2.0F);
+    return calib::floorDepthImage(view, random);
 }
 
 TEST(RansacCalibRef, FitsTheSmallCloudOfTheFrame) {
@@ -122,7 +119,7 @@ TEST(RansacCalibRef, DebugLine) {
 }
 
 TEST(RansacCalibRef, AgreesWithThePlainStagesOnEveryTrackedFrame) {
-    calib::Random random(161);
+    Draws random(161);
     Quorvel ruler = makeRuler(GROUND_TRACKING);
     for (int i = 0; i < 25; ++i) {
         cv::Vec3f normal = ruler.refPlaneNormal;

@@ -28,26 +28,26 @@ const Plane kPrevious{cv::Vec3f(0.0F, 0.6F, 0.8F), 777.0F};
 }
 
 TEST(FitDominantPlane, AFailedFitHandsBackThePreviousPlane) {
-    calib::Random random(132);
+    Draws random(132);
     calib::FloorView view;
     view.width = 60;
     view.height = 60;
     const cv::Mat cloud = calib::floorCloud(view, random);
-    EXPECT_TRUE(samePlane(fitDominantPlane(cloud, kPrevious), kPrevious.normal, kPrevious.offset))
+    EXPECT_TRUE(samePlane(fitDominantPlane(cloud, kPrevious).plane, kPrevious.normal, kPrevious.offset))
         << "58 * 58 = 3364 candidates are too few";
-    EXPECT_TRUE(
-        samePlane(fitDominantPlane(cv::Mat::zeros(90, 90, CV_32FC3), kPrevious), kPrevious.normal, kPrevious.offset));
-    EXPECT_TRUE(
-        samePlane(fitDominantPlane(cv::Mat::zeros(1, 1, CV_32FC3), kPrevious), kPrevious.normal, kPrevious.offset));
+    EXPECT_TRUE(samePlane(fitDominantPlane(cv::Mat::zeros(90, 90, CV_32FC3), kPrevious).plane, kPrevious.normal,
+                          kPrevious.offset));
+    EXPECT_TRUE(samePlane(fitDominantPlane(cv::Mat::zeros(1, 1, CV_32FC3), kPrevious).plane, kPrevious.normal,
+                          kPrevious.offset));
 }
 
 TEST(FitDominantPlane, AgreesWithThePlainStages) {
-    calib::Random random(133);
+    Draws random(133);
     for (int i = 0; i < 60; ++i) {
         calib::FloorView view;
-        view.slopeX = random.between(-0.3F, 0.3F);
-        view.slopeY = random.between(-0.3F, 0.3F);
-        view.noise = random.between(0.0F, 3.0F);
+        view.slopeX = random.real(-0.3F, 0.3F);
+        view.slopeY = random.real(-0.3F, 0.3F);
+        view.noise = random.real(0.0F, 3.0F);
         view.absent = random.below(6);
         const cv::Mat cloud = calib::floorCloud(view, random);
         cv::Vec3f normal = kPrevious.normal;
@@ -55,14 +55,14 @@ TEST(FitDominantPlane, AgreesWithThePlainStages) {
         std::srand(static_cast<unsigned>(i + 1));
         plain::fitDominantPlane(cloud, normal, offset);
         std::srand(static_cast<unsigned>(i + 1));
-        EXPECT_TRUE(samePlane(fitDominantPlane(cloud, kPrevious), normal, offset)) << "input " << i;
+        EXPECT_TRUE(samePlane(fitDominantPlane(cloud, kPrevious).plane, normal, offset)) << "input " << i;
     }
 }
 
 /// A flat floor of 40 x 40 pixels and, as the region, its middle rows and columns 10 ... 29.
 struct GrowScene {
     GrowScene() {
-        calib::Random random(134);
+        Draws random(134);
         calib::FloorView view;
         view.width = 40;
         view.height = 40;
@@ -78,7 +78,7 @@ struct GrowScene {
 
 TEST(FitGrownPlane, FindsAFloorFromAPartOfIt) {
     const GrowScene scene;
-    const Plane plane = fitGrownPlane(scene.full, scene.region, 200.0F, kPrevious);
+    const Plane plane = fitGrownPlane(scene.full, scene.region, 200.0F, kPrevious).plane;
     const float length = std::sqrt(1.01F);
     EXPECT_NEAR(plane.normal[0], -0.1F / length, 1e-4);
     EXPECT_NEAR(plane.normal[1], 0.0, 1e-4);
@@ -97,43 +97,46 @@ TEST(FitGrownPlane, GrowsAlongThePreviousPlaneWhenTheFirstFitFails) {
     // 400 points in the region, 1444 in the grown one: only the second fit has 1000.
     const GrowScene scene;
     const Plane flat{cv::Vec3f(0.0F, 0.0F, 1.0F), 500.0F};
-    EXPECT_NEAR(fitGrownPlane(scene.full, scene.region, 1000.0F, flat).offset, 1000.0F / std::sqrt(1.01F), 0.1);
+    EXPECT_NEAR(fitGrownPlane(scene.full, scene.region, 1000.0F, flat).plane.offset, 1000.0F / std::sqrt(1.01F), 0.1);
     const Plane sideways{cv::Vec3f(1.0F, 0.0F, 0.0F), 500.0F};
-    EXPECT_TRUE(samePlane(fitGrownPlane(scene.full, scene.region, 1000.0F, sideways), sideways.normal, 500.0F))
+    EXPECT_TRUE(samePlane(fitGrownPlane(scene.full, scene.region, 1000.0F, sideways).plane, sideways.normal, 500.0F))
         << "along another orientation nothing grows, and both fits fail";
 }
 
 TEST(FitGrownPlane, TwoFailedFitsHandBackThePreviousPlane) {
     const GrowScene scene;
-    EXPECT_TRUE(
-        samePlane(fitGrownPlane(scene.full, scene.region, 1601.0F, kPrevious), kPrevious.normal, kPrevious.offset));
+    EXPECT_TRUE(samePlane(fitGrownPlane(scene.full, scene.region, 1601.0F, kPrevious).plane, kPrevious.normal,
+                          kPrevious.offset));
     const cv::Mat nothing = cv::Mat::zeros(40, 40, CV_32FC3);
-    EXPECT_TRUE(samePlane(fitGrownPlane(nothing, nothing, 0.5F, kPrevious), kPrevious.normal, kPrevious.offset));
+    EXPECT_TRUE(samePlane(fitGrownPlane(nothing, nothing, 0.5F, kPrevious).plane, kPrevious.normal, kPrevious.offset));
 }
 
 TEST(FitGrownPlane, AgreesWithThePlainStages) {
-    calib::Random random(135);
+    Draws random(135);
     for (int i = 0; i < 60; ++i) {
         calib::FloorView view;
-        view.width = random.within(1, 60);
-        view.height = random.within(1, 60);
-        view.slopeX = random.between(-0.4F, 0.4F);
-        view.slopeY = random.between(-0.4F, 0.4F);
-        view.noise = random.between(0.0F, 8.0F);
+        view.width = random.between(1, 60);
+        view.height = random.between(1, 60);
+        view.slopeX = random.real(-0.4F, 0.4F);
+        view.slopeY = random.real(-0.4F, 0.4F);
+        view.noise = random.real(0.0F, 8.0F);
         view.absent = random.below(10);
         const cv::Mat full = calib::floorCloud(view, random);
         cv::Mat region = cv::Mat::zeros(full.size(), CV_32FC3);
-        const cv::Rect inside =
-            cv::Rect(random.below(30), random.below(30), random.within(1, 30), random.within(1, 30)) &
-            cv::Rect(0, 0, full.cols, full.rows);
+        const int left = random.below(30);
+        const int top = random.below(30);
+        const int width = random.between(1, 30);
+        const int height = random.between(1, 30);
+        const cv::Rect inside = cv::Rect(left, top, width, height) & cv::Rect(0, 0, full.cols, full.rows);
         if (!inside.empty()) {
             full(inside).copyTo(region(inside));
         }
-        const float minPoints = random.between(0.0F, 600.0F);
+        const float minPoints = random.real(0.0F, 600.0F);
         cv::Vec3f normal = kPrevious.normal;
         float offset = kPrevious.offset;
         plain::fitGrownPlane(full, region, minPoints, normal, offset);
-        EXPECT_TRUE(samePlane(fitGrownPlane(full, region, minPoints, kPrevious), normal, offset)) << "input " << i;
+        EXPECT_TRUE(samePlane(fitGrownPlane(full, region, minPoints, kPrevious).plane, normal, offset))
+            << "input " << i;
     }
 }
 

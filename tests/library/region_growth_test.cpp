@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "library/calib_support.h"
+#include "library/fast_forms.h"
 #include "library/plain/normal_map.h"
 #include "library/plain/region_growth.h"
 #include "support/loop_variants.h"
@@ -52,7 +53,7 @@ struct Drawing {
 /// \return the grown region, 'x' for a pixel that is kept
 std::vector<std::string> grown(const Drawing& drawing, const cv::Vec3f& normal = kFlat) {
     cv::Mat cloud = drawing.seeds.clone();
-    EXPECT_EQ(internal::growPlaneRegion(drawing.full, drawing.map, normal, cloud), 0);
+    EXPECT_EQ(fast::growPlaneRegion(drawing.full, drawing.map, normal, cloud), 0);
     std::vector<std::string> rows;
     for (int y = 0; y < cloud.rows; ++y) {
         rows.emplace_back();
@@ -210,7 +211,7 @@ TEST(GrowPlaneRegion, ColoursThatAreNoNumberCountAs0) {
     EXPECT_FALSE(follows({127.5F, 127.5F, nan}));
     EXPECT_FALSE(follows({127.5F, 127.5F, infinity})) << "beyond int, not beyond 255";
     EXPECT_TRUE(follows({127.5F, 127.5F, nan}, {0.0F, 0.0F, -1.0F})) << "0 is inside (-64, 64)";
-    EXPECT_FALSE(follows(kInBand, {nan, nan, nan})) << "the plane itself is none";
+    EXPECT_FALSE(follows(kInBand, {nan, nan, nan})) << "the plane itself is NaN";
 }
 
 TEST(GrowPlaneRegion, APointIsASeedUnlessAllThreeCoordinatesAreZero) {
@@ -230,7 +231,7 @@ TEST(GrowPlaneRegion, TheGrownCloudIsTheFullCloudNotTheSeeds) {
                      "#####"});
     drawing.seeds.at<cv::Vec3f>(1, 1) = {9.0F, 9.0F, 9.0F};
     cv::Mat cloud = drawing.seeds.clone();
-    internal::growPlaneRegion(drawing.full, drawing.map, kFlat, cloud);
+    fast::growPlaneRegion(drawing.full, drawing.map, kFlat, cloud);
     EXPECT_EQ(cloud.at<cv::Vec3f>(1, 1), cv::Vec3f(1.0F, 1.0F, 1000.0F));
 }
 
@@ -242,7 +243,7 @@ TEST(GrowPlaneRegion, WritesIntoNobodyElsesPixels) {
     const cv::Mat mapBefore = drawing.map.clone();
     const cv::Mat seedsBefore = drawing.seeds.clone();
     cv::Mat cloud = drawing.seeds;  // shares its pixels
-    internal::growPlaneRegion(drawing.full, drawing.map, kFlat, cloud);
+    fast::growPlaneRegion(drawing.full, drawing.map, kFlat, cloud);
     EXPECT_TRUE(sameBits(drawing.full, fullBefore));
     EXPECT_TRUE(sameBits(drawing.map, mapBefore));
     EXPECT_TRUE(sameBits(drawing.seeds, seedsBefore));
@@ -252,17 +253,17 @@ void expectAsPlain(const cv::Mat& full, const cv::Mat& map, const cv::Vec3f& nor
     const cv::Mat expected = plain::growPlaneRegion(full, map, normal, seeds);
     forEachLoopVariant([&] {
         cv::Mat cloud = seeds.clone();
-        internal::growPlaneRegion(full, map, normal, cloud);
+        fast::growPlaneRegion(full, map, normal, cloud);
         EXPECT_TRUE(sameBits(cloud, expected)) << "input " << input;
         cv::Mat part = calib::asSubMatrix(seeds);
-        internal::growPlaneRegion(calib::asSubMatrix(full), calib::asSubMatrix(map), normal, part);
+        fast::growPlaneRegion(calib::asSubMatrix(full), calib::asSubMatrix(map), normal, part);
         EXPECT_TRUE(sameBits(part, expected)) << "input " << input << " as parts of wider matrices";
     });
 }
 
-/// A map of few colours, so that regions hang together; now and then a colour that is no number.
-cv::Mat patchyMap(calib::Random& random, int rows, int columns) {
-    const int outside = random.within(10, 70);
+/// A map of few colours, so that regions hang together; sometimes a colour of NaN.
+cv::Mat patchyMap(Draws& random, int rows, int columns) {
+    const int outside = random.between(10, 70);
     cv::Mat map(rows, columns, CV_32FC3);
     for (int row = 0; row < rows; ++row) {
         for (int column = 0; column < columns; ++column) {
@@ -277,15 +278,17 @@ cv::Mat patchyMap(calib::Random& random, int rows, int columns) {
 }
 
 TEST(GrowPlaneRegion, AgreesWithThePlainFormOnPatchyMaps) {
-    calib::Random random(121);
+    Draws random(121);
     for (int i = 0; i < 2000; ++i) {
-        const int rows = random.within(1, 16);
-        const int columns = random.chance(10) ? random.within(60, 140) : random.within(1, 16);
+        const int rows = random.between(1, 16);
+        const int columns = random.chance(10) ? random.between(60, 140) : random.between(1, 16);
         const cv::Mat full =
             calib::randomCloud(random, rows, columns, static_cast<calib::CloudKind>(random.below(3)), 20);
         const cv::Mat seeds = calib::randomCloud(random, rows, columns, calib::CloudKind::kFloats,
-                                                 random.chance(20) ? 0 : random.within(50, 100));
-        const cv::Vec3f normal = random.chance(70) ? kFlat : cv::Vec3f(random.between(-1, 1), random.between(-1, 1), 1);
+                                                 random.chance(20) ? 0 : random.between(50, 100));
+        const float slopeX = random.real(-1, 1);
+        const float slopeY = random.real(-1, 1);
+        const cv::Vec3f normal = random.chance(70) ? kFlat : cv::Vec3f(slopeX, slopeY, 1);
         expectAsPlain(full, patchyMap(random, rows, columns), normal, seeds, i);
     }
 }
@@ -365,16 +368,20 @@ TEST(GrowPlaneRegion, AgreesWithThePlainFormInLabyrinths) {
 }
 
 TEST(GrowPlaneRegion, AgreesWithThePlainFormOnNoisyFloors) {
-    calib::Random random(122);
+    Draws random(122);
     for (int i = 0; i < 40; ++i) {
         calib::FloorView view;
-        view.slopeX = random.between(-0.4F, 0.4F);
-        view.slopeY = random.between(-0.4F, 0.4F);
-        view.noise = random.between(0.0F, 12.0F);
-        view.absent = random.within(0, 10);
+        view.slopeX = random.real(-0.4F, 0.4F);
+        view.slopeY = random.real(-0.4F, 0.4F);
+        view.noise = random.real(0.0F, 12.0F);
+        view.absent = random.between(0, 10);
         const cv::Mat full = calib::floorCloud(view, random);
         cv::Mat seeds = cv::Mat::zeros(full.size(), CV_32FC3);
-        const cv::Rect region(random.within(0, 40), random.within(0, 40), random.within(1, 30), random.within(1, 30));
+        const int left = random.between(0, 40);
+        const int top = random.between(0, 40);
+        const int width = random.between(1, 30);
+        const int height = random.between(1, 30);
+        const cv::Rect region(left, top, width, height);
         full(region).copyTo(seeds(region));
         const float length = std::sqrt(view.slopeX * view.slopeX + view.slopeY * view.slopeY + 1.0F);
         const cv::Vec3f normal(-view.slopeX / length, -view.slopeY / length, 1.0F / length);

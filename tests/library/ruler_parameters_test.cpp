@@ -12,7 +12,7 @@
 
 #include <quorvel/quorvel.h>
 
-#include "common/text_file.h"
+#include "files/text_file.h"
 #include "library/comma_locale.h"
 #include "library/depth_scene.h"
 #include "library/measure_draws.h"
@@ -103,9 +103,7 @@ TEST(RulerParameters, WritesThreeKeysInJson) {
 TEST(RulerParameters, ReturnFromEveryFormatAsTheyWereSaved) {
     Draws draws(51);
     const std::vector<int> corners{0, -1, 1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()};
-    const auto drawValue = [&] {
-        return draws.chance(20) ? corners.at(static_cast<std::size_t>(draws.below(5))) : draws.between(-5000, 5000);
-    };
+    const auto drawValue = [&] { return draws.chance(20) ? draws.oneOf(corners) : draws.between(-5000, 5000); };
     const WorkingDirectory directory;
     for (int run = 0; run < 40; ++run) {
         Quorvel saved = tunedRuler();
@@ -345,7 +343,7 @@ TEST(RulerParameters, TakeAWholeNumberForAWeightAndNothingElse) {
     }
 }
 
-TEST(RulerParameters, RaiseAnErrorForADocumentThatIsNone) {
+TEST(RulerParameters, RaiseAnErrorForAnInvalidDocument) {
     const std::vector<std::pair<std::string, std::string>> documents{
         {"ruler.yml", "no document at all"},
         {"ruler.yml", "%YAML:1.0\n---\nCalibration_Area: [ 1, 2, 3\nDetect_Area: 4\n"},

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <cstddef>
-#include <string>
-#include <utility>
+#include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -11,111 +9,65 @@
 #include <quorvel/quorvel.h>
 
 #include "library/same_result.h"
-#include "support/same_bits.h"
+#include "support/members.h"
 
 namespace quorvel::test {
 
-/// Every image of a ruler, by name.
-inline std::vector<std::pair<std::string, cv::Mat Quorvel::*>> rulerImages() {
-    return {{"colorImage", &Quorvel::colorImage},
-            {"depthImage", &Quorvel::depthImage},
-            {"auxImage", &Quorvel::auxImage},
-            {"pointCloud", &Quorvel::pointCloud},
-            {"calibFullCloud", &Quorvel::calibFullCloud},
-            {"pointCloudSmall", &Quorvel::pointCloudSmall},
-            {"colorSmall", &Quorvel::colorSmall},
-            {"depthSmall", &Quorvel::depthSmall},
-            {"calibImage", &Quorvel::calibImage},
-            {"pointCloudSmallCopy", &Quorvel::pointCloudSmallCopy},
-            {"calibCloud", &Quorvel::calibCloud},
-            {"spareImage1", &Quorvel::spareImage1},
-            {"spareImage2", &Quorvel::spareImage2},
-            {"spareImage3", &Quorvel::spareImage3},
-            {"spareImage4", &Quorvel::spareImage4},
-            {"spareImage5", &Quorvel::spareImage5}};
+/// Compares one member of two rulers bit for bit.
+template <typename Value>
+::testing::AssertionResult sameMember(const Quorvel& a, const Quorvel& b, Value Quorvel::*member) {
+    if constexpr (std::is_same_v<Value, MeasureResult>) {
+        return sameResult(a.*member, b.*member);
+    } else {
+        return detail::sameValue(a.*member, b.*member);
+    }
 }
 
-/// Every buffer of a ruler, by name.
-inline std::vector<std::pair<std::string, std::vector<cv::Mat> Quorvel::*>> rulerBuffers() {
-    return {{"colorFrameBuffer", &Quorvel::colorFrameBuffer},
-            {"depthFrameBuffer", &Quorvel::depthFrameBuffer},
-            {"pointCloudBuffer", &Quorvel::pointCloudBuffer},
-            {"spareBuffer1", &Quorvel::spareBuffer1},
-            {"pointCloudSmallBuffer", &Quorvel::pointCloudSmallBuffer},
-            {"colorSmallBuffer", &Quorvel::colorSmallBuffer},
-            {"depthSmallBuffer", &Quorvel::depthSmallBuffer},
-            {"spareBuffer2", &Quorvel::spareBuffer2},
-            {"pointCloudSmallCopyBuffer", &Quorvel::pointCloudSmallCopyBuffer},
-            {"spareBuffer3", &Quorvel::spareBuffer3}};
+namespace detail {
+
+/// What a member is to a comparison.
+enum class Kind { kImage, kBuffer, kResult, kSetting };
+
+template <typename Value>
+constexpr Kind kindOf(Value Quorvel::* /*member*/) {
+    if constexpr (std::is_same_v<Value, cv::Mat>) {
+        return Kind::kImage;
+    } else if constexpr (std::is_same_v<Value, std::vector<cv::Mat>>) {
+        return Kind::kBuffer;
+    } else {
+        return std::is_same_v<Value, MeasureResult> ? Kind::kResult : Kind::kSetting;
+    }
 }
+
+inline ::testing::AssertionResult sameMembers(const Quorvel& a, const Quorvel& b, Kind kind) {
+    ::testing::AssertionResult all = ::testing::AssertionSuccess();
+    forEachMember([&](const char* name, auto member) {
+        if (kindOf(member) != kind || !all) {
+            return;
+        }
+        const ::testing::AssertionResult same = sameMember(a, b, member);
+        if (!same) {
+            all = ::testing::AssertionFailure() << name << ": " << same.message();
+        }
+    });
+    return all;
+}
+
+}  // namespace detail
 
 /// Compares all images of two rulers bit for bit and names the one that differs.
 inline ::testing::AssertionResult sameImages(const Quorvel& a, const Quorvel& b) {
-    for (const auto& [name, image] : rulerImages()) {
-        const ::testing::AssertionResult same = sameBits(a.*image, b.*image);
-        if (!same) {
-            return ::testing::AssertionFailure() << name << ": " << same.message();
-        }
-    }
-    return ::testing::AssertionSuccess();
+    return detail::sameMembers(a, b, detail::Kind::kImage);
 }
 
 /// Compares all buffers of two rulers bit for bit and names the one that differs.
 inline ::testing::AssertionResult sameBuffers(const Quorvel& a, const Quorvel& b) {
-    for (const auto& [name, buffer] : rulerBuffers()) {
-        const std::vector<cv::Mat>& left = a.*buffer;
-        const std::vector<cv::Mat>& right = b.*buffer;
-        if (left.size() != right.size()) {
-            return ::testing::AssertionFailure() << name << " of " << left.size() << " and " << right.size();
-        }
-        for (std::size_t i = 0; i < left.size(); ++i) {
-            const ::testing::AssertionResult same = sameBits(left[i], right[i]);
-            if (!same) {
-                return ::testing::AssertionFailure() << name << "[" << i << "]: " << same.message();
-            }
-        }
-    }
-    return ::testing::AssertionSuccess();
+    return detail::sameMembers(a, b, detail::Kind::kBuffer);
 }
 
-/// Compares all settings, the plane and the state of two rulers and names the first number that differs.
+/// Compares all settings, the plane and the state of two rulers and names the first that differs.
 inline ::testing::AssertionResult sameSettings(const Quorvel& a, const Quorvel& b) {
-    for (float Quorvel::*value :
-         {&Quorvel::refPlaneOffset, &Quorvel::cameraType, &Quorvel::fx, &Quorvel::fy, &Quorvel::invFx, &Quorvel::invFy,
-          &Quorvel::cx, &Quorvel::cy, &Quorvel::fxSmall, &Quorvel::fySmall, &Quorvel::invFxSmall, &Quorvel::invFySmall,
-          &Quorvel::cxSmall, &Quorvel::cySmall, &Quorvel::minObjectHeight, &Quorvel::spareFloat1,
-          &Quorvel::cameraHeight, &Quorvel::spareFloat2, &Quorvel::filterWeight}) {
-        if (!sameBits(a.*value, b.*value)) {
-            return ::testing::AssertionFailure() << "a setting is " << a.*value << " and " << b.*value;
-        }
-    }
-    for (int Quorvel::*value : {&Quorvel::imageWidth, &Quorvel::imageHeight, &Quorvel::downScale, &Quorvel::productType,
-                                &Quorvel::minObjectPixels, &Quorvel::reservedValue}) {
-        if (a.*value != b.*value) {
-            return ::testing::AssertionFailure() << "a whole setting is " << a.*value << " and " << b.*value;
-        }
-    }
-    for (bool Quorvel::*value :
-         {&Quorvel::calibStatus, &Quorvel::offlineMode, &Quorvel::cameraTypeSet, &Quorvel::debugMode}) {
-        if (a.*value != b.*value) {
-            return ::testing::AssertionFailure() << "a switch is " << a.*value << " and " << b.*value;
-        }
-    }
-    for (std::string Quorvel::*value :
-         {&Quorvel::paramDir, &Quorvel::calFilePath, &Quorvel::backgroundPath, &Quorvel::offlineDir}) {
-        if (a.*value != b.*value) {
-            return ::testing::AssertionFailure() << "a path is " << a.*value << " and " << b.*value;
-        }
-    }
-    for (std::size_t i = 0; i < 3; ++i) {
-        if (a.calibPoints[i] != b.calibPoints[i]) {
-            return ::testing::AssertionFailure() << "calibration point " << i << " differs";
-        }
-    }
-    if (a.calibrationRoI != b.calibrationRoI || a.effectiveRegion != b.effectiveRegion) {
-        return ::testing::AssertionFailure() << "a region differs";
-    }
-    return sameBits(a.refPlaneNormal, b.refPlaneNormal);
+    return detail::sameMembers(a, b, detail::Kind::kSetting);
 }
 
 /// Compares every member of two rulers bit for bit.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "common/scratch.h"
+#include "image/scratch.h"
 
 #include <array>
 #include <thread>
@@ -16,7 +16,7 @@ namespace quorvel::test {
 
 namespace {
 
-/// Scratch that knows how many of its kind there are; each test has a kind of its own.
+/// Scratch that counts its objects; each test has its own type.
 template <int kTest>
 struct Counter {
     static int& alive() {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "calib/select_kth.h"
+#include "library/plain/select_kth.h"
 
 #include <algorithm>
 #include <limits>
@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "geometry/selection.h"
 #include "library/calib_support.h"
-#include "library/plain/select_kth.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
@@ -17,7 +17,7 @@ namespace {
 
 using internal::selectKth;
 
-std::vector<float> randomValues(calib::Random& random, int count, calib::CloudKind kind) {
+std::vector<float> randomValues(Draws& random, int count, calib::CloudKind kind) {
     std::vector<float> values;
     values.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
@@ -56,10 +56,10 @@ TEST(SelectKth, LeavesTheCallersValues) {
 }
 
 TEST(SelectKth, IsTheValueOfThatRankInAscendingOrder) {
-    calib::Random random(81);
+    Draws random(81);
     for (int i = 0; i < 1500; ++i) {
         const auto kind = random.chance(50) ? calib::CloudKind::kFloats : calib::CloudKind::kSmallIntegers;
-        const int count = random.within(1, 60);
+        const int count = random.between(1, 60);
         const int k = random.below(count);
         const std::vector<float> values = randomValues(random, count, kind);
         std::vector<float> sorted = values;
@@ -70,9 +70,9 @@ TEST(SelectKth, IsTheValueOfThatRankInAscendingOrder) {
 
 TEST(SelectKth, AgreesWithThePlainFormWhereOrderIsUndefined) {
     // The plain form checks every index: with NaN among the values both stay inside the vector.
-    calib::Random random(82);
+    Draws random(82);
     for (int i = 0; i < 3000; ++i) {
-        const int count = random.within(1, 40);
+        const int count = random.between(1, 40);
         const int k = random.below(count);
         const std::vector<float> values = randomValues(random, count, calib::CloudKind::kWithNonFinite);
         EXPECT_TRUE(sameBits(selectKth(values, count, k), plain::selectKth(values, count, k)))
@@ -81,7 +81,7 @@ TEST(SelectKth, AgreesWithThePlainFormWhereOrderIsUndefined) {
 }
 
 TEST(SelectKth, AgreesWithThePlainFormOnLongSortedAndReversedLists) {
-    calib::Random random(83);
+    Draws random(83);
     std::vector<float> values = randomValues(random, 20000, calib::CloudKind::kFloats);
     for (const int k : {0, 1, 9999, 18000, 19999}) {
         EXPECT_TRUE(sameBits(selectKth(values, 20000, k), plain::selectKth(values, 20000, k))) << "rank " << k;

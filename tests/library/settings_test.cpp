@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <array>
 #include <climits>
 #include <string>
 
@@ -7,6 +8,7 @@
 #include <quorvel/quorvel.h>
 
 #include "library/depth_scene.h"
+#include "library/measure_draws.h"
 #include "support/captured_output.h"
 
 namespace quorvel::test {
@@ -30,7 +32,21 @@ cv::Rect calibrationOf(float ratio, int width, int height) {
 }
 
 TEST(Settings, ReportsTheVersion) {
-    EXPECT_EQ(rulerOf(640, 480).getVersion(), "3.6.4.1");
+    EXPECT_EQ(rulerOf(640, 480).getVersion(), QUORVEL_VERSION);
+}
+
+TEST(Settings, TheVersionIsTheOneOfThisRelease) {
+    EXPECT_STREQ(QUORVEL_VERSION, "3.6.4.1");
+}
+
+TEST(Settings, TheVersionsNumbersMakeItsText) {
+    const std::array<int, 4> numbers{QUORVEL_VERSION_MAJOR, QUORVEL_VERSION_MINOR, QUORVEL_VERSION_PATCH,
+                                     QUORVEL_VERSION_TWEAK};
+    std::string text;
+    for (const int number : numbers) {
+        text += (text.empty() ? "" : ".") + std::to_string(number);
+    }
+    EXPECT_EQ(text, QUORVEL_VERSION);
 }
 
 TEST(Settings, StoresTheCameraTypeWhateverTheFlag) {

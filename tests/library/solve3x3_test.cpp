@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "calib/solve3x3.h"
+#include "geometry/solve3x3.h"
 
 #include <array>
 #include <cmath>
@@ -10,15 +10,16 @@
 
 #include <gtest/gtest.h>
 
-#include "library/calib_support.h"
+#include "library/fast_forms.h"
 #include "library/plain/solve3x3.h"
+#include "support/random.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {
 
 namespace {
 
-using internal::solve3x3;
+using fast::solve3x3;
 using Matrix = std::array<float, 9>;
 using Vector = std::array<float, 3>;
 
@@ -115,32 +116,32 @@ TEST(Solve3x3, AnAllZeroSystemCountsAsSolvableAndGivesNan) {
 }
 
 TEST(Solve3x3, AgreesWithThePlainFormOnRandomFloats) {
-    calib::Random random(41);
+    Draws random(41);
     for (int i = 0; i < 3000; ++i) {
         Matrix a{};
         Vector b{};
         const float scale = random.chance(20) ? 1e18F : (random.chance(20) ? 1e-18F : 1.0F);
         for (float& entry : a) {
-            entry = random.between(-1000.0F, 1000.0F) * scale;
+            entry = random.real(-1000.0F, 1000.0F) * scale;
         }
         for (float& entry : b) {
-            entry = random.between(-1000.0F, 1000.0F);
+            entry = random.real(-1000.0F, 1000.0F);
         }
         expectAsPlain(a, b);
     }
 }
 
 TEST(Solve3x3, AgreesWithThePlainFormOnSmallIntegers) {
-    calib::Random random(42);
+    Draws random(42);
     int singular = 0;
     for (int i = 0; i < 5000; ++i) {
         Matrix a{};
         Vector b{};
         for (float& entry : a) {
-            entry = static_cast<float>(random.within(-2, 2));
+            entry = static_cast<float>(random.between(-2, 2));
         }
         for (float& entry : b) {
-            entry = static_cast<float>(random.within(-3, 3));
+            entry = static_cast<float>(random.between(-3, 3));
         }
         expectAsPlain(a, b);
         Vector x{};
@@ -153,16 +154,15 @@ TEST(Solve3x3, AgreesWithThePlainFormOnSmallIntegers) {
 TEST(Solve3x3, AgreesWithThePlainFormOnInfinitiesAndNan) {
     const float infinity = std::numeric_limits<float>::infinity();
     const std::array<float, 5> values{infinity, -infinity, std::numeric_limits<float>::quiet_NaN(), 1.0F, -2.0F};
-    calib::Random random(43);
+    Draws random(43);
     for (int i = 0; i < 1000; ++i) {
         Matrix a{};
         Vector b{};
         for (float& entry : a) {
-            entry =
-                random.chance(70) ? random.between(-9.0F, 9.0F) : values.at(static_cast<std::size_t>(random.below(5)));
+            entry = random.chance(70) ? random.real(-9.0F, 9.0F) : random.oneOf(values);
         }
         for (float& entry : b) {
-            entry = values.at(static_cast<std::size_t>(random.below(5)));
+            entry = random.oneOf(values);
         }
         expectAsPlain(a, b);
     }

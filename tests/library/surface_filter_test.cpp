@@ -206,9 +206,9 @@ TEST(SurfaceFilter, MeansTheHeightsOfAllInteriorPointsEvenOfThoseDropped) {
     EXPECT_EQ(mask.at<uchar>(10, 12), 0);
 }
 
-/// Whether an outlier goes when all points lie in one place, far out along one axis. There the last bit of the unit
-/// normal's component is worth half a millimetre, and only the right bits make the points 10 mm high or low, so that
-/// the mean height of just over 10 mm switches the outlier test on.
+/// Whether an outlier is dropped when all points lie in one place, far out along one axis. There the last bit of the
+/// unit normal's component changes the height by half a millimetre. Only with the right bits the mean height is just
+/// over 10 mm, which switches the outlier test on.
 bool outlierGoes(const cv::Vec3f& normal, const cv::Vec3f& unit, int axis, float distance) {
     const float component = std::fabs(unit[axis]);
     const float farOut = 0.5F / (std::nextafter(component, 2.0F) - component);
@@ -280,7 +280,9 @@ void addHoles(Draws& draws, cv::Mat& cloud, int percent) {
 /// A surface of random spacing, height, noise and tilt, whole numbers now and then, with holes and rare odd values.
 cv::Mat drawSurface(Draws& draws) {
     // Wide ones now and then: the loops work on rows of 64 pixels.
-    const cv::Size size(draws.chance(10) ? draws.between(60, 140) : draws.between(1, 26), draws.between(1, 20));
+    const int columns = draws.chance(10) ? draws.between(60, 140) : draws.between(1, 26);
+    const int rows = draws.between(1, 20);
+    const cv::Size size(columns, rows);
     cv::Mat cloud = drawMatrix(draws, size, CV_32FC3);
     const bool wholeNumbers = draws.chance(30);
     const float spacing = wholeNumbers ? static_cast<float>(draws.between(0, 3)) : draws.real(0.5F, 6);
@@ -295,7 +297,9 @@ cv::Mat drawSurface(Draws& draws) {
                                                 spacing * static_cast<float>(row) - 30.0F, z};
         }
     }
-    addHoles(draws, cloud, draws.chance(40) ? 0 : draws.between(1, draws.chance(50) ? 4 : 70));
+    const int mostHoles = draws.chance(50) ? 4 : 70;
+    const int holes = draws.chance(40) ? 0 : draws.between(1, mostHoles);
+    addHoles(draws, cloud, holes);
     return cloud;
 }
 
@@ -332,7 +336,8 @@ TEST_P(SurfaceFilterLoops, AgreesWithThePlainFormOnRandomClouds) {
     int kept = 0;
     for (int run = 0; run < 2000; ++run) {
         cv::Mat cloud = drawSurface(draws);
-        const cv::Vec3f normal = drawNormal(draws) * draws.real(0.5F, 2);
+        const cv::Vec3f unitNormal = drawNormal(draws);
+        const cv::Vec3f normal = unitNormal * draws.real(0.5F, 2);
         cv::Mat mask = drawMatrix(draws, cloud.size(), CV_8UC1);
         cv::Mat plainCloud = cloud.clone();
         cv::Mat plainMask = mask.clone();
@@ -349,15 +354,17 @@ float drawHostile(Draws& draws) {
     static const std::array<float, 18> kValues{0.0F,  -0.0F,  1e-40F, -1e-30F,   1e-22F,     1e-9F,
                                                3.0F,  4.0F,   -3.0F,  800.0F,    800.0F,     804.0F,
                                                1e15F, -2e15F, 1e30F,  kInfinity, -kInfinity, kNaN};
-    return kValues[static_cast<std::size_t>(draws.below(static_cast<int>(kValues.size())))];
+    return draws.oneOf(kValues);
 }
 
 TEST_P(SurfaceFilterLoops, AgreesWithThePlainFormOnHostileClouds) {
     // Equal points, points a hair apart, squares beyond the range of float, exact ties of the steepness, normals that
-    // are none.
+    // are not unit vectors.
     Draws draws(118);
     for (int run = 0; run < 2000; ++run) {
-        cv::Mat cloud = drawMatrix(draws, {draws.between(3, 80), draws.between(3, 6)}, CV_32FC3);
+        const int columns = draws.between(3, 80);
+        const int rows = draws.between(3, 6);
+        cv::Mat cloud = drawMatrix(draws, {columns, rows}, CV_32FC3);
         const int odd = draws.chance(50) ? draws.below(12) : 100;
         for (int i = 0; i < cloud.rows * cloud.cols; ++i) {
             auto& point = cloud.at<cv::Vec3f>(i / cloud.cols, i % cloud.cols);
@@ -367,8 +374,12 @@ TEST_P(SurfaceFilterLoops, AgreesWithThePlainFormOnHostileClouds) {
                 point[draws.below(3)] = drawHostile(draws);
             }
         }
-        const cv::Vec3f normal =
-            draws.chance(70) ? kTowardsScene : cv::Vec3f(drawHostile(draws), drawHostile(draws), drawHostile(draws));
+        cv::Vec3f normal = kTowardsScene;
+        if (!draws.chance(70)) {
+            for (float& value : normal.val) {
+                value = drawHostile(draws);
+            }
+        }
         cv::Mat mask = cv::Mat::zeros(cloud.size(), CV_8UC1);
         cv::Mat plainCloud = cloud.clone();
         cv::Mat plainMask = mask.clone();

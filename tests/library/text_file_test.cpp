@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "common/text_file.h"
+#include "files/text_file.h"
 
 #ifndef _WIN32
 #include <sys/stat.h>
@@ -8,11 +8,10 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <system_error>
 
 #include <gtest/gtest.h>
 
-#include "common/platform.h"
+#include "files/platform.h"
 #include "support/file_bytes.h"
 #include "support/ordinary_user.h"
 #include "support/working_directory.h"
@@ -26,32 +25,6 @@ using internal::isFolder;
 using internal::kLongestText;
 using internal::readTextFile;
 using internal::readWholeTextFile;
-
-TEST(IsFolder, TellsFoldersFromFilesAndNothing) {
-    const WorkingDirectory here;
-    std::filesystem::create_directory("folder");
-    std::ofstream("file").close();
-    EXPECT_TRUE(isFolder("folder"));
-    EXPECT_TRUE(isFolder("./folder/"));
-    EXPECT_TRUE(isFolder("."));
-    EXPECT_FALSE(isFolder("file"));
-    EXPECT_FALSE(isFolder("none"));
-    EXPECT_FALSE(isFolder("file/none"));
-    EXPECT_FALSE(isFolder(""));
-}
-
-TEST(IsFolder, FollowsLinks) {
-    const WorkingDirectory here;
-    std::filesystem::create_directory("folder");
-    std::error_code failed;
-    std::filesystem::create_directory_symlink("folder", "link", failed);
-    if (failed) {
-        GTEST_SKIP() << "no links here: " << failed.message();
-    }
-    EXPECT_TRUE(isFolder("link"));
-    std::filesystem::remove("folder");
-    EXPECT_FALSE(isFolder("link")) << "a link to nothing";
-}
 
 TEST(ReadTextFile, HandsBackEveryCharacter) {
     const WorkingDirectory here;

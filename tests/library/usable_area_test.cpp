@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "measure/usable_area.h"
-
 #include <climits>
 #include <cmath>
 #include <vector>
@@ -8,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "library/measure_draws.h"
+#include "measure/detection_area.h"
 
 namespace quorvel::test {
 

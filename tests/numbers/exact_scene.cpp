@@ -32,20 +32,9 @@ int widthOf(std::uint32_t seed) {
 
 }  // namespace
 
-// An odd multiplier spreads neighbouring seeds; the generator must not start at 0.
-Integers::Integers(std::uint64_t seed) : state_((seed + 1) * 0x9e3779b97f4a7c15ULL) {}
-
-int Integers::between(int low, int high) {
-    state_ ^= state_ << 13U;
-    state_ ^= state_ >> 7U;
-    state_ ^= state_ << 17U;
-    const auto range = static_cast<std::uint64_t>(high - low) + 1;
-    return low + static_cast<int>((state_ >> 20U) % range);
-}
-
 ExactScene::ExactScene(std::uint32_t seed)
     : seed_(seed), width_(widthOf(seed)), height_(width_ * 3 / 4 + (width_ % 2) * 2) {
-    Integers draw(seed);
+    Draws draw(seed);
     focalX_ = static_cast<float>(width_ * draw.between(800, 1200)) / 1000.0F;
     focalY_ = focalX_ * static_cast<float>(draw.between(990, 1010)) / 1000.0F;
     centreX_ = static_cast<float>(width_ * draw.between(450, 550)) / 1000.0F;
@@ -53,20 +42,22 @@ ExactScene::ExactScene(std::uint32_t seed)
     distance_ = draw.between(600, 1600);
     // One scene in four looks straight down: axis-parallel boxes and rays without rounding are cases of their own.
     const int tilt = draw.between(0, 3) == 0 ? 0 : 90;
-    normal_ = unit({draw.between(-tilt, tilt) / 1000.0, draw.between(-tilt, tilt) / 1000.0, 1.0});
+    const double slopeX = draw.between(-tilt, tilt) / 1000.0;
+    const double slopeY = draw.between(-tilt, tilt) / 1000.0;
+    normal_ = unit({slopeX, slopeY, 1.0});
     first_ = unit(across({0.0, 1.0, 0.0}, normal_));
     second_ = across(normal_, first_);
     const int plates = draw.between(1, 4);
     for (int i = 0; i < plates; ++i) {
         plates_.push_back(makePlate(draw, i == 0 ? 80 : 450));
     }
-    // Mostly the little noise that lets the plane be fitted; now and then so much that it cannot.
+    // Mostly so little noise that the plane can be fitted; now and then too much for a fit.
     constexpr int kNoises[] = {0, 0, 0, 1, 1, 1, 2, 4};
     noise_ = kNoises[draw.between(0, 7)];
     lostPerMil_ = draw.between(0, 3) == 0 ? draw.between(1, 15) : 0;
 }
 
-ExactScene::Plate ExactScene::makePlate(Integers& draw, int reach) const {
+ExactScene::Plate ExactScene::makePlate(Draws& draw, int reach) const {
     Plate plate;
     plate.x = distance_ * draw.between(-reach, reach) / 1000.0;
     plate.y = distance_ * draw.between(-reach, reach) / 1000.0;
@@ -103,7 +94,7 @@ double ExactScene::depthAt(int column, int row, const std::vector<Plate>& plates
 }
 
 ExactFrame ExactScene::render(std::uint32_t index, const std::vector<Plate>& plates) const {
-    Integers draw((static_cast<std::uint64_t>(index) << 32U) + seed_);
+    Draws draw((static_cast<std::uint64_t>(index) << 32U) + seed_);
     ExactFrame frame{cv::Mat(height_, width_, CV_8UC3), cv::Mat(height_, width_, CV_16UC1)};
     for (int row = 0; row < height_; ++row) {
         for (int column = 0; column < width_; ++column) {

@@ -6,19 +6,9 @@
 
 #include <opencv2/core.hpp>
 
+#include "support/random.h"
+
 namespace quorvel::test {
-
-/// Random integers that are the same on every platform (xorshift with 64 bits of state).
-class Integers {
-public:
-    explicit Integers(std::uint64_t seed);
-
-    /// \return uniform enough for scenes, in [low, high]
-    int between(int low, int high);
-
-private:
-    std::uint64_t state_;
-};
 
 /// One picture pair; both images have the scene's size.
 struct ExactFrame {
@@ -27,7 +17,7 @@ struct ExactFrame {
 };
 
 /// A surface seen from above with plates floating at their height above it, computed from integers with + - * / and
-/// square roots alone: these are rounded alike by every IEEE 754 machine, the functions of a C library are not.
+/// square roots alone: every IEEE 754 machine rounds these in the same way, but C libraries differ.
 class ExactScene {
 public:
     /// \param seed makes the size, camera, surface and objects; small frames, every 25th 640 x 480
@@ -57,7 +47,7 @@ private:
         bool round = false;   ///< a disc of half the length as radius
     };
 
-    Plate makePlate(Integers& draw, int reach) const;
+    Plate makePlate(Draws& draw, int reach) const;
     double depthAt(int column, int row, const std::vector<Plate>& plates) const;
     ExactFrame render(std::uint32_t index, const std::vector<Plate>& plates) const;
 

@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "numbers/member_record.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <ostream>
+#include <set>
+#include <utility>
 #include <vector>
+
+#include "support/members.h"
 
 namespace quorvel::test {
 
@@ -80,6 +85,10 @@ std::string text(const cv::Vec3f& v) {
     return text(v[0]) + ' ' + text(v[1]) + ' ' + text(v[2]);
 }
 
+std::string text(const std::string& characters) {
+    return characters;
+}
+
 template <typename Entry>
 std::string text(const std::vector<Entry>& entries) {
     std::string all = text(static_cast<int>(entries.size())) + " entries";
@@ -87,6 +96,42 @@ std::string text(const std::vector<Entry>& entries) {
         all += "; " + text(entry);
     }
     return all;
+}
+
+/// Names and values, in the order in which they are written.
+using Lines = std::vector<std::pair<std::string, std::string>>;
+
+template <typename Value>
+void addLines(Lines& lines, const std::string& name, const Value& value) {
+    lines.emplace_back(name, text(value));
+}
+
+void addLines(Lines& lines, const std::string& name, const MeasureResult& result) {
+    forEachField([&](const char* field, auto pointer) { addLines(lines, name + '.' + field, result.*pointer); });
+}
+
+void addLines(Lines& lines, const std::string& name, const cv::Point (&points)[3]) {
+    for (int i = 0; i < 3; ++i) {
+        addLines(lines, name + '[' + std::to_string(i) + ']', points[i]);
+    }
+}
+
+Lines::iterator find(Lines& lines, const std::string& name) {
+    return std::find_if(lines.begin(), lines.end(), [&](const auto& line) { return line.first == name; });
+}
+
+/// Moves a line forward.
+void moveBefore(Lines& lines, const std::string& place, const std::string& name) {
+    const auto from = find(lines, name);
+    std::rotate(find(lines, place), from, from + 1);
+}
+
+/// What no call of number_record writes.
+bool isLeftOut(const std::string& name) {
+    static const std::set<std::string> kNames{"auxImage",       "calibImage", "reservedValue",
+                                              "offlineMode",    "paramDir",   "calFilePath",
+                                              "backgroundPath", "offlineDir", "debugMode"};
+    return name.rfind("spare", 0) == 0 || kNames.count(name) != 0;
 }
 
 }  // namespace
@@ -133,59 +178,19 @@ void MemberRecord::member(const std::string& name, const std::string& text) {
 
 void MemberRecord::members(const std::string& call, const Quorvel& ruler) {
     out_ << "  after " << call << '\n';
-    member("colorImage", text(ruler.colorImage));
-    member("depthImage", text(ruler.depthImage));
-    member("colorFrameBuffer", text(ruler.colorFrameBuffer));
-    member("depthFrameBuffer", text(ruler.depthFrameBuffer));
-    member("result.corners", text(ruler.result.corners));
-    member("result.length", text(ruler.result.length));
-    member("result.width", text(ruler.result.width));
-    member("result.height", text(ruler.result.height));
-    member("result.inView", text(ruler.result.inView));
-    member("result.onTarget", text(ruler.result.onTarget));
-    member("result.sideMargin", text(ruler.result.sideMargin));
-    member("calibPoints[0]", text(ruler.calibPoints[0]));
-    member("calibPoints[1]", text(ruler.calibPoints[1]));
-    member("calibPoints[2]", text(ruler.calibPoints[2]));
-    member("pointCloud", text(ruler.pointCloud));
-    member("calibFullCloud", text(ruler.calibFullCloud));
-    member("pointCloudSmall", text(ruler.pointCloudSmall));
-    member("colorSmall", text(ruler.colorSmall));
-    member("depthSmall", text(ruler.depthSmall));
-    member("pointCloudSmallCopy", text(ruler.pointCloudSmallCopy));
-    member("calibCloud", text(ruler.calibCloud));
-    member("pointCloudBuffer", text(ruler.pointCloudBuffer));
-    member("pointCloudSmallBuffer", text(ruler.pointCloudSmallBuffer));
-    member("colorSmallBuffer", text(ruler.colorSmallBuffer));
-    member("depthSmallBuffer", text(ruler.depthSmallBuffer));
-    member("pointCloudSmallCopyBuffer", text(ruler.pointCloudSmallCopyBuffer));
-    member("refPlaneNormal", text(ruler.refPlaneNormal));
-    member("refPlaneOffset", text(ruler.refPlaneOffset));
-    member("calibrationRoI", text(ruler.calibrationRoI));
-    member("effectiveRegion", text(ruler.effectiveRegion));
-    member("cameraType", text(ruler.cameraType));
-    member("cameraTypeSet", text(ruler.cameraTypeSet));
-    member("fx", text(ruler.fx));
-    member("fy", text(ruler.fy));
-    member("invFx", text(ruler.invFx));
-    member("invFy", text(ruler.invFy));
-    member("cx", text(ruler.cx));
-    member("cy", text(ruler.cy));
-    member("fxSmall", text(ruler.fxSmall));
-    member("fySmall", text(ruler.fySmall));
-    member("invFxSmall", text(ruler.invFxSmall));
-    member("invFySmall", text(ruler.invFySmall));
-    member("cxSmall", text(ruler.cxSmall));
-    member("cySmall", text(ruler.cySmall));
-    member("imageWidth", text(ruler.imageWidth));
-    member("imageHeight", text(ruler.imageHeight));
-    member("downScale", text(ruler.downScale));
-    member("minObjectHeight", text(ruler.minObjectHeight));
-    member("minObjectPixels", text(ruler.minObjectPixels));
-    member("productType", text(ruler.productType));
-    member("calibStatus", text(ruler.calibStatus));
-    member("cameraHeight", text(ruler.cameraHeight));
-    member("filterWeight", text(ruler.filterWeight));
+    Lines lines;
+    forEachMember([&](const std::string& name, auto pointer) {
+        if (everything_ || !isLeftOut(name)) {
+            addLines(lines, name, ruler.*pointer);
+        }
+    });
+    // Records of older versions have these here.
+    moveBefore(lines, "calibrationRoI", "refPlaneOffset");
+    moveBefore(lines, "fx", "cameraTypeSet");
+    moveBefore(lines, "productType", "minObjectPixels");
+    for (const auto& [name, text] : lines) {
+        member(name, text);
+    }
 }
 
 }  // namespace quorvel::test

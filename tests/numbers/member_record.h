@@ -13,8 +13,12 @@ namespace quorvel::test {
 /// written as one and the same NaN, since neither its sign nor its payload is a result.
 class MemberRecord {
 public:
+    /// What members() writes: the members that measuring writes, as the records of older versions have them, or all.
+    enum class Members { kMeasured, kAll };
+
     /// \param out open until this object is gone
-    explicit MemberRecord(std::ostream& out) : out_(out) {}
+    explicit MemberRecord(std::ostream& out, Members members = Members::kMeasured)
+        : out_(out), everything_(members == Members::kAll) {}
 
     /// Starts a ruler: the next members() writes every member.
     void begin(const std::string& title);
@@ -30,6 +34,7 @@ private:
     void member(const std::string& name, const std::string& text);
 
     std::ostream& out_;
+    bool everything_;
     std::map<std::string, std::string> last_;
 };
 

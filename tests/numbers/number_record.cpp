@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Records every number of the road a host takes through the library, for many scenes in every mode. Two builds agree
+// Records every number that a host gets from the whole pipeline, for many scenes in every mode. Two builds agree
 // when their records are the same file.
 //
 // One difference between builds is known and lies outside these scenes. cv::RotatedRect::points() takes the cosine of
@@ -21,13 +21,14 @@
 
 #include <quorvel/quorvel.h>
 
-#include "numbers/counted_rand.h"
 #include "numbers/exact_scene.h"
 #include "numbers/member_record.h"
 #include "sim/presets.h"
 #include "sim/render.h"
 #include "support/captured_output.h"
 #include "support/loop_variant_name.h"
+#include "support/own_rand.h"
+#include "support/random.h"
 #include "support/working_directory.h"
 
 namespace quorvel::test {
@@ -87,7 +88,7 @@ Session presetSession(const std::string& name) {
              simulated(sim::render(scene, 4))}};
 }
 
-/// The lines of the calibration file, whatever ends them on this platform.
+/// The lines of the calibration file, without the line ends, which depend on the platform.
 void recordCalibrationFile(MemberRecord& record) {
     std::ifstream file("param/cal.txt");
     for (std::string line; std::getline(file, line);) {
@@ -95,7 +96,7 @@ void recordCalibrationFile(MemberRecord& record) {
     }
 }
 
-void applySettings(Quorvel& ruler, Integers& draw) {
+void applySettings(Quorvel& ruler, Draws& draw) {
     cv::Rect region;
     ruler.setCalibrationRoI(static_cast<float>(draw.between(500, 900)) / 1000.0F, region);
     ruler.setEffectiveRegionInArea(static_cast<float>(draw.between(100, 1200)) / 1000.0F, region);
@@ -126,8 +127,8 @@ void recordMeasurement(MemberRecord& record, Quorvel& ruler, const ExactFrame& f
 }
 
 void recordMode(MemberRecord& record, const Session& session, const Mode& mode) {
-    Integers draw(session.seed);
-    seedRand(session.seed);
+    Draws draw(session.seed);
+    seedOwnRand(session.seed);
     record.begin(session.name + ", " + mode.name);
     const CapturedOutput printed;
     Quorvel ruler(session.fx, session.fy, session.cx, session.cy, session.empty.depth.cols, session.empty.depth.rows,
@@ -163,9 +164,9 @@ std::uint64_t recordSession(MemberRecord& record, const Session& session) {
     std::filesystem::remove_all("param");
     std::uint64_t drawnInKiosk = 0;
     for (const Mode& mode : kModes) {
-        const std::uint64_t before = randCalls();
+        const std::uint64_t before = ownRandCalls();
         recordMode(record, session, mode);
-        const std::uint64_t drawn = randCalls() - before;
+        const std::uint64_t drawn = ownRandCalls() - before;
         record.value("random numbers drawn", std::to_string(drawn));
         if (mode.type == KIOSK) {
             drawnInKiosk = drawn;

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# Every variant of the pixel loops writes the same record; QUORVEL_LOOPS chooses the variant, and an unknown name counts as
-# none.
+# Every variant of the pixel loops writes the same record; QUORVEL_LOOPS chooses the variant; an unknown name is
+# ignored.
 function(record name)
   execute_process(COMMAND "${CMAKE_COMMAND}" -E env "QUORVEL_LOOPS=${name}"
     ${EMULATOR} "${PROGRAM}" "${WORK}/${name}.txt" scenes 0 3 RESULT_VARIABLE status OUTPUT_VARIABLE output)

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# The objects compiled for AVX2 define no function that the linker could take for the whole library, where any machine
-# would run it, and contract nothing into fused multiply-adds.
+# The objects compiled for AVX2 define no function that the linker could use in the whole library, where every machine
+# would run it. They contain no fused multiply-adds.
 if(NOT OBJECTS)
   message(FATAL_ERROR "there are no objects to look at")
 endif()

@@ -2,6 +2,7 @@
 // Properties of ray casting over random scenes.
 #include "sim/cast.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include <gtest/gtest.h>
@@ -37,13 +38,10 @@ public:
                 return true;
             }
         }
-        for (const Cylinder& cylinder : scene_.cylinders) {
-            if (up <= cylinder.height && up >= 0.0 &&
-                std::hypot(x - cylinder.x, y - cylinder.y) <= cylinder.diameter / 2.0) {
-                return true;
-            }
-        }
-        return false;
+        return std::any_of(scene_.cylinders.begin(), scene_.cylinders.end(), [&](const Cylinder& cylinder) {
+            return up <= cylinder.height && up >= 0.0 &&
+                   std::hypot(x - cylinder.x, y - cylinder.y) <= cylinder.diameter / 2.0;
+        });
     }
 
     bool inGround(const cv::Vec3d& point) const { return normal_.dot(point) >= scene_.surface.distance; }
@@ -76,8 +74,10 @@ TEST(Cast, EveryHitIsTheFirstEntryIntoMatter) {
                 ASSERT_NE(hit.face, Face::Nothing) << where();
                 const cv::Vec3d beyond = (hit.z + kMargin) * ray;
                 EXPECT_TRUE(hit.solid >= 0 ? matter.inObject(beyond) : matter.inGround(beyond)) << where();
-                for (double z = hit.z - kMargin; z > 0.0; z -= kStride) {
+                double z = hit.z - kMargin;
+                while (z > 0.0) {
                     ASSERT_FALSE(matter.inObject(z * ray) || matter.inGround(z * ray)) << where() << ", z " << z;
+                    z -= kStride;
                 }
                 onObjects += hit.solid >= 0 ? 1 : 0;
             }

@@ -9,6 +9,7 @@
 #include "sim/presets.h"
 #include "sim/render.h"
 #include "sim/scene_json.h"
+#include "sim/test_scenes.h"
 
 namespace quorvel::sim {
 namespace {
@@ -27,12 +28,7 @@ private:
 };
 
 std::string readMessage(const std::string& path) {
-    try {
-        readScene(path);
-    } catch (const std::runtime_error& error) {
-        return error.what();
-    }
-    return "accepted";
+    return messageOf([&] { readScene(path); });
 }
 
 TEST_F(SceneFile, IsReadBackUnchanged) {

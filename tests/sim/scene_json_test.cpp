@@ -14,12 +14,7 @@ namespace quorvel::sim {
 namespace {
 
 std::string messageFor(const std::string& text) {
-    try {
-        sceneFromJson(text);
-    } catch (const std::runtime_error& error) {
-        return error.what();
-    }
-    return "accepted";
+    return messageOf([&] { sceneFromJson(text); });
 }
 
 const std::string kEverything = R"({

@@ -10,7 +10,7 @@
 
 namespace quorvel::soak {
 
-/// A number that two runs share only if every bit of what was added is the same (FNV-1a, 64 bits).
+/// A number that is the same in two runs only if every added bit is the same (FNV-1a, 64 bits).
 class Digest {
 public:
     void add(int value) { addBytes(&value, sizeof(value)); }

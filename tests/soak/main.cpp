@@ -40,7 +40,7 @@ constexpr double kLargestGrowth = 2.0 * kMebi;
 /// without end.
 constexpr double kDefaultSlowdown = 1.5;
 
-/// The library tells of every frame without an object; a hundred thousand such lines tell nothing.
+/// Silences std::cout, because the library prints a line for every frame without an object.
 class SilencedOutput {
 public:
     SilencedOutput() : previous_(std::cout.rdbuf(&nowhere_)) {}

@@ -91,7 +91,9 @@ const Frame& ScenePool::drawEmpty(test::Draws& draws) {
 
 const Frame& ScenePool::withNoise(const Rendered& rendered, test::Draws& draws) {
     const cv::Mat& depth = rendered.frame.depth;
-    const cv::Rect part({draws.below(kNoiseMargin), draws.below(kNoiseMargin)}, depth.size());
+    const int left = draws.below(kNoiseMargin);
+    const int top = draws.below(kNoiseMargin);
+    const cv::Rect part({left, top}, depth.size());
     current_.color = rendered.frame.color;
     current_.depth.create(depth.size(), CV_16UC1);
     current_.depth.setTo(0);

@@ -6,8 +6,8 @@
 
 #include <opencv2/core.hpp>
 
-#include "library/measure_draws.h"
 #include "sim/scene.h"
+#include "support/random.h"
 
 namespace quorvel::soak {
 

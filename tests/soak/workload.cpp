@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "soak/process_state.h"
+#include "support/camera_ruler.h"
 
 namespace quorvel::soak {
 
@@ -18,18 +19,8 @@ namespace {
 
 constexpr int kLargeScenes = 80;
 constexpr int kSmallScenes = 20;
+constexpr int kLongestBatch = 4;
 const char* const kGarbage = "garbage.yml";
-
-Quorvel rulerFor(const sim::Camera& camera) {
-    return {static_cast<float>(camera.fx),
-            static_cast<float>(camera.fy),
-            static_cast<float>(camera.cx),
-            static_cast<float>(camera.cy),
-            camera.width,
-            camera.height,
-            false,
-            ""};
-}
 
 /// Rulers of one camera share a calibration file otherwise.
 void setFolder(Quorvel& ruler, const std::string& folder) {
@@ -50,7 +41,7 @@ Workload::Workload() : large_({640, 480}, kLargeScenes), small_({320, 240}, kSma
     const std::vector<std::pair<ProductType, ScenePool*>> kinds{
         {KIOSK, &large_}, {GROUND_GROWING, &large_}, {GROUND_TRACKING, &large_}, {KIOSK, &small_}};
     for (const auto& [mode, pool] : kinds) {
-        stations_.push_back({rulerFor(pool->camera()), pool, mode});
+        stations_.push_back({test::rulerOf(pool->camera()), pool, mode});
         setFolder(stations_.back().ruler, "./param" + std::to_string(stations_.size()));
     }
     std::ofstream(kGarbage) << "%YAML:1.0\n---\n[ ] : {";
@@ -78,6 +69,7 @@ PassOutcome Workload::run(unsigned seed, int frames, const std::function<void(do
     digest_ = Digest();
     outcome_ = PassOutcome();
     calibrateAll();
+    holdLongestBatches();
     while (outcome_.frames < frames) {
         step(onFrame);
     }
@@ -87,7 +79,7 @@ PassOutcome Workload::run(unsigned seed, int frames, const std::function<void(do
     return outcome_;
 }
 
-/// Every pass starts from planes of its own, so that nothing of the pass before it shows.
+/// Every pass fits new planes, so that the pass before has no influence.
 void Workload::calibrateAll() {
     for (Station& station : stations_) {
         Quorvel& ruler = station.ruler;
@@ -97,6 +89,20 @@ void Workload::calibrateAll() {
         ruler.setProductType(station.mode);
         calibrate(station);
     }
+}
+
+/// Every station holds the longest batch at a time, so that the storage kept for batches has its full size from the
+/// beginning: what grows afterwards is a leak.
+void Workload::holdLongestBatches() {
+    for (Station& station : stations_) {
+        const Frame& frame = station.pool->drawEmpty(draws_);
+        const std::vector<cv::Mat> colors(kLongestBatch, frame.color);
+        const std::vector<cv::Mat> depths(kLongestBatch, frame.depth);
+        if (!station.ruler.getCameraMultipleFrame(colors, depths)) {
+            throw std::logic_error("a proper batch was refused");
+        }
+    }
+    dropBatches();
 }
 
 /// What waits in a station's batch buffers at the end of a pass is chance.
@@ -122,7 +128,7 @@ void Workload::calibrate(Station& station) {
 }
 
 void Workload::step(const std::function<void(double)>& onFrame) {
-    Station& station = stations_[static_cast<std::size_t>(draws_.below(static_cast<int>(stations_.size())))];
+    Station& station = draws_.oneOf(stations_);
     const int what = draws_.below(100);
     if (what < 10) {
         shootBatch(station);
@@ -158,7 +164,7 @@ void Workload::shoot(Station& station, const std::function<void(double)>& onFram
 void Workload::shootBatch(Station& station) {
     Quorvel& ruler = station.ruler;
     const Frame& frame = station.pool->draw(draws_);
-    const int length = draws_.between(2, 4);
+    const int length = draws_.between(2, kLongestBatch);
     std::vector<cv::Mat> colors;
     std::vector<cv::Mat> depths;
     for (int i = 0; i < length; ++i) {
@@ -182,7 +188,7 @@ void Workload::shootBatch(Station& station) {
 
 void Workload::useParameterFile(Station& station) {
     static const std::vector<std::string> kNames{"ruler.yml", "ruler.json", "ruler.xml"};
-    const std::string& name = kNames[static_cast<std::size_t>(draws_.below(static_cast<int>(kNames.size())))];
+    const std::string& name = draws_.oneOf(kNames);
     cv::Rect calibration;
     cv::Rect detection;
     digest_.add(station.ruler.saveRulerParam(name) ? 1 : 0);

@@ -8,9 +8,9 @@
 
 #include <quorvel/quorvel.h>
 
-#include "library/measure_draws.h"
 #include "soak/digest.h"
 #include "soak/scene_pool.h"
+#include "support/random.h"
 
 namespace quorvel::soak {
 
@@ -47,6 +47,7 @@ private:
     };
 
     void calibrateAll();
+    void holdLongestBatches();
     void dropBatches();
     void calibrate(Station& station);
     void step(const std::function<void(double)>& onFrame);

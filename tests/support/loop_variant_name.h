@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "common/loop_variant.h"
+#include "simd/loop_variant.h"
 
 namespace quorvel::test {
 

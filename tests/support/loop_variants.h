@@ -2,10 +2,11 @@
 #pragma once
 
 #include <string>
+#include <type_traits>
 
 #include <gtest/gtest.h>
 
-#include "common/loop_variant.h"
+#include "simd/loop_variant.h"
 #include "support/loop_variant_name.h"
 
 namespace quorvel::test {
@@ -24,13 +25,18 @@ private:
     internal::LoopVariant before_;
 };
 
-/// Calls `test()` once with every variant of the pixel loops that this machine can run.
+/// Calls `test()`, or `test(name)` with the variant's name, once with every variant of the pixel loops that this
+/// machine can run.
 template <typename Test>
 void forEachLoopVariant(Test test) {
     for (const internal::LoopVariant variant : internal::runnableLoopVariants()) {
         SCOPED_TRACE(nameOf(variant));
         const LoopVariantInUse inUse(variant);
-        test();
+        if constexpr (std::is_invocable_v<Test, std::string>) {
+            test(nameOf(variant));
+        } else {
+            test();
+        }
     }
 }
 

@@ -37,8 +37,8 @@ inline void obeyPermissions() {}
 
 #endif
 
-/// Runs something as a user to whom the permissions of files apply, also when root runs the tests: containers do. A
-/// thread cannot get its rights back, so it is one of its own.
+/// Runs a function as a user to whom the permissions of files apply, also when root runs the tests, as in containers. A
+/// thread cannot get root's rights back, so the function runs on a new thread.
 template <typename Work>
 void asOrdinaryUser(Work work) {
     std::thread thread([&] {

@@ -7,8 +7,8 @@
 
 namespace quorvel::test {
 
-/// While it lives, the process lives in another time zone. As a host that sets the variable, it does not tell the C
-/// library: whoever asks for the local time has to look.
+/// While this object lives, the process has another time zone. Like a host, it only sets the variable and does not call
+/// tzset(), so the code that asks for the local time has to do that.
 class TimeZone {
 public:
     /// \param name in the form that needs no database, hours west of Greenwich: "UTC0", "XYZ-14"

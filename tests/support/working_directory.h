@@ -12,10 +12,7 @@ namespace quorvel::test {
 /// the folder at the end.
 class WorkingDirectory {
 public:
-    WorkingDirectory() : previous_(std::filesystem::current_path()) {
-        std::random_device device;
-        path_ = std::filesystem::temp_directory_path() /
-                ("quorvel-test-" + std::to_string(device()) + "-" + std::to_string(device()));
+    WorkingDirectory() : previous_(std::filesystem::current_path()), path_(freshPath()) {
         std::filesystem::create_directories(path_);
         std::filesystem::current_path(path_);
     }
@@ -30,6 +27,12 @@ public:
     const std::filesystem::path& path() const { return path_; }
 
 private:
+    static std::filesystem::path freshPath() {
+        std::random_device device;
+        const std::string first = std::to_string(device());
+        return std::filesystem::temp_directory_path() / ("quorvel-test-" + first + "-" + std::to_string(device()));
+    }
+
     std::filesystem::path previous_;
     std::filesystem::path path_;
 };

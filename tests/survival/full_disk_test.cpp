@@ -124,7 +124,7 @@ TEST(FullDisk, WithRoomForTheLineAloneTheCalibrationIsNewAndTheImageOld) {
 /// A file system of 64 KiB that is gone with the test.
 class TinyDisk {
 public:
-    TinyDisk() { mounted_ = mount("tmpfs", ".", "tmpfs", 0, "size=64k") == 0; }
+    TinyDisk() : mounted_(mount("tmpfs", ".", "tmpfs", 0, "size=64k") == 0) {}
     ~TinyDisk() {
         if (mounted_) {
             umount2(path_.c_str(), MNT_DETACH);
@@ -137,7 +137,7 @@ public:
 
 private:
     std::string path_ = fs::current_path();
-    bool mounted_ = false;
+    bool mounted_;
 };
 
 TEST(FullDisk, AFullFileSystemKeepsTheOldFiles) {

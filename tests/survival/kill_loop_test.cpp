@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// A process that writes files over and over is killed at random instants: whoever comes next finds the old files or the
+// A process that writes files over and over is killed at random instants: the next reader finds the old files or the
 // new ones.
 
 #include <algorithm>
 #include <filesystem>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -14,6 +13,7 @@
 #include <quorvel/quorvel.h>
 
 #include "support/file_bytes.h"
+#include "support/random.h"
 #include "support/working_directory.h"
 #include "survival/survival_support.h"
 
@@ -29,17 +29,17 @@ constexpr int kLongestLife = 20000;  // us; some ten rounds of writing on a quic
 constexpr int kNear = 800;           // mm
 constexpr int kFar = 1000;           // mm
 
-/// Kills writers and looks at what they leave: kKills times, and more often and later while that has not shown all
-/// there is to see.
-/// \param write one round of writing, over and over in a process of its own
-/// \param expectWhole what holds after every kill
+/// Kills writers and checks the files that they leave. This is done kKills times, and then more often and later until
+/// kills have come both before and after a write.
+/// \param write one round of writing, repeated in its own process
+/// \param expectWhole checks what must hold after every kill
 /// \param seenAll whether kills have come both before and after something was written
 template <typename Write, typename ExpectWhole, typename SeenAll>
 void killOften(Write write, ExpectWhole expectWhole, SeenAll seenAll) {
-    std::mt19937 random(7);
+    Draws random(7);
     for (int i = 0; i < kKills || (i < kMostKills && !seenAll()); ++i) {
-        const unsigned longestLife = static_cast<unsigned>(kLongestLife) << (i / kKills);
-        const bool killed = killedAfter(static_cast<int>(random() % longestLife), [&] {
+        const int longestLife = kLongestLife << (i / kKills);
+        const bool killed = killedAfter(random.below(longestLife), [&] {
             for (;;) {
                 write();
             }
@@ -93,6 +93,8 @@ TEST(KillLoop, TheCalibrationIsTheOldOneOrTheNew) {
     EXPECT_GT(fars, 0) << "no kill came while the one line stood";
     EXPECT_GT(nears, 0) << "no kill came while the other line stood";
     expectOnlyThese("param", {"cal.txt", "depth.tif"});
+    near.calibRef(t, 0.0F);
+    EXPECT_EQ(namesIn("param"), (std::vector<std::string>{"cal.txt", "depth.tif"})) << "the next writer clears up";
 }
 
 TEST(KillLoop, TheParameterFileIsTheOldOneOrTheNew) {
@@ -125,6 +127,11 @@ TEST(KillLoop, TheParameterFileIsTheOldOneOrTheNew) {
         EXPECT_GT(seconds, 0) << path << ": no kill came while the other text stood";
     }
     expectOnlyThese(".", {"ruler.yml", "ruler.xml", "ruler.json"});
+    for (const std::string path : {"ruler.yml", "ruler.xml", "ruler.json"}) {
+        ASSERT_TRUE(one.saveRulerParam(path));
+    }
+    EXPECT_EQ(namesIn("."), (std::vector<std::string>{"ruler.json", "ruler.xml", "ruler.yml"}))
+        << "the next writer clears up";
 }
 
 /// Captures into a folder of its own each time, since a second has but one capture folder.

@@ -39,8 +39,8 @@ void expectReadingsAtOnce(std::size_t threads) {
     }
 }
 
-// In a process of its own this is the library's first call, and its first choices are made on many threads: it has to
-// stand before anything that is done alone.
+// This test has to come first in its process: the library's first calls, with their one-time choices, are then made on
+// several threads at once.
 TEST(ComingAndGoing, TheFirstCallsMayComeAtOnce) {
     expectReadingsAtOnce(4);
 }

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "library/same_result.h"
 #include "support/working_directory.h"
 #include "threads/at_once.h"
 #include "threads/station.h"
@@ -18,7 +19,7 @@ namespace {
 constexpr std::array<ProductType, kStations> kModes{KIOSK, GROUND_TRACKING, GROUND_GROWING, KIOSK_LOW_OBJECT};
 constexpr int kRounds = 2;
 
-/// What the days have to give: each of them done alone, in a folder of its own.
+/// The expected results of the days: each day is done alone, in its own folder.
 std::vector<Outcome> aloneOutcomes(const std::vector<ProductType>& modes) {
     const WorkingDirectory directory;
     std::vector<Outcome> outcomes;
@@ -63,6 +64,39 @@ TEST(MixedModes, GiveOnFourThreadsWhatTheyGiveAlone) {
     for (std::size_t turn = 0; turn < kModes.size(); ++turn) {
         expectAsAlone(modes);
         std::rotate(modes.begin(), modes.begin() + 1, modes.end());
+    }
+}
+
+/// Batches of a station's frames, one after the other.
+std::vector<MeasureResult> batchReadings(const Station& station) {
+    constexpr int kBatches = 12;
+    constexpr float kTolerance = 20.0F;
+    Quorvel ruler = dayOfWork(station, KIOSK).ruler;
+    std::vector<MeasureResult> results;
+    for (int i = 0; i < kBatches; ++i) {
+        ruler.getCameraMultipleFrame(station.colors(), station.depths());
+        EXPECT_EQ(ruler.measureMultiple(kTolerance, kTolerance, kTolerance), 0);
+        results.push_back(ruler.result);
+    }
+    return results;
+}
+
+TEST(Batches, HandTheirStorageOnBetweenThreads) {
+    // Stations 0 ... 3 show frames of one size: each batch may get what another thread's has left.
+    std::vector<std::vector<MeasureResult>> alone;
+    for (const Station& station : stations()) {
+        const WorkingDirectory directory;
+        alone.push_back(batchReadings(station));
+    }
+    const WorkingDirectory directory;
+    std::vector<std::vector<MeasureResult>> together(kStations);
+    atOnce(kStations, [&](std::size_t i) { together[i] = batchReadings(stations()[i]); });
+    for (std::size_t i = 0; i < kStations; ++i) {
+        ASSERT_EQ(together[i].size(), alone[i].size());
+        for (std::size_t k = 0; k < alone[i].size(); ++k) {
+            EXPECT_TRUE(together[i][k].inView);
+            EXPECT_TRUE(sameResult(together[i][k], alone[i][k])) << "station " << i << ", batch " << k;
+        }
     }
 }
 

@@ -10,10 +10,11 @@
 #include <gtest/gtest.h>
 #include <opencv2/imgcodecs.hpp>
 
-#include "common/text_file.h"
+#include "files/capture_writer.h"
+#include "files/text_file.h"
 #include "library/depth_scene.h"
 #include "library/same_ruler.h"
-#include "persist/capture_writer.h"
+#include "ruler/offline_capture.h"
 #include "support/working_directory.h"
 #include "threads/at_once.h"
 #include "threads/station.h"
@@ -23,9 +24,9 @@ namespace quorvel::test {
 namespace {
 
 constexpr int kCalibrations = 5;
-constexpr int kRounds = 30;
+constexpr int kFileRounds = 30;
 
-/// \return how many of the values read are none of those that were written
+/// \return how many of the values read were never written
 template <typename Value>
 std::size_t countOthers(const std::vector<Value>& read, const std::vector<Value>& written) {
     std::size_t others = 0;
@@ -117,7 +118,7 @@ Quorvel rulerWith(const Settings& settings) {
     return ruler;
 }
 
-/// \return what a new ruler loads; nothing of it is any writer's when the file could not be read
+/// \return the values that a new ruler loads; values that no writer has written when the file could not be read
 Settings loadedSettings(const std::string& path) {
     Quorvel ruler = rulerWith({});
     Settings settings;
@@ -139,7 +140,7 @@ TEST_P(RulerParameterFiles, OfDifferentNamesDoNotMeet) {
     std::vector<int> differing(kStations, 0);
     atOnce(kStations, [&](std::size_t i) {
         const std::string path = "ruler" + std::to_string(i) + extension;
-        for (int round = 0; round < kRounds; ++round) {
+        for (int round = 0; round < kFileRounds; ++round) {
             const Settings settings = settingsOf(i + kStations * static_cast<std::size_t>(round % 2));
             const bool saved = rulerWith(settings).saveRulerParam(path);
             differing[i] += static_cast<int>(!saved || !(loadedSettings(path) == settings));
@@ -157,7 +158,7 @@ TEST_P(RulerParameterFiles, OfOneNameAreReadAsOneOfThemWroteThem) {
     atOnce(4, [&](std::size_t i) {
         if (i < 2) {
             const Quorvel ruler = rulerWith(settingsOf(i));
-            for (int round = 0; round < kRounds; ++round) {
+            for (int round = 0; round < kFileRounds; ++round) {
                 Quorvel(ruler).saveRulerParam(path);
             }
             --writing;
@@ -178,7 +179,8 @@ INSTANTIATE_TEST_SUITE_P(Formats, RulerParameterFiles, ::testing::Values(".yml",
 
 /// \return whether a capture folder holds what this station's ruler wrote, all of it
 bool isCaptureOf(const std::filesystem::path& folder, const Station& station, const Quorvel& ruler) {
-    return internal::readTextFile((folder / "res.txt").string()) == internal::captureResultText(ruler.result) &&
+    return internal::readTextFile((folder / "res.txt").string()) ==
+               internal::captureReadingText(internal::captureReading(ruler.result)) &&
            sameBits(cv::imread((folder / "color.png").string(), cv::IMREAD_COLOR), station.occupied[0].color) &&
            sameBits(cv::imread((folder / "depth.tif").string(), cv::IMREAD_UNCHANGED), station.occupied[0].depth);
 }

@@ -4,7 +4,8 @@
 #include <cstdint>
 
 #include "library/same_ruler.h"
-#include "threads/own_rand.h"
+#include "support/camera_ruler.h"
+#include "support/own_rand.h"
 
 namespace quorvel::test {
 
@@ -49,8 +50,7 @@ std::vector<Station> makeStations() {
 }  // namespace
 
 Quorvel Station::ruler() const {
-    Quorvel ruler(static_cast<float>(camera.fx), static_cast<float>(camera.fy), static_cast<float>(camera.cx),
-                  static_cast<float>(camera.cy), camera.width, camera.height, false, "");
+    Quorvel ruler = rulerOf(camera);
     ruler.paramDir = "./param" + std::to_string(number);
     ruler.calFilePath = ruler.paramDir + "/cal.txt";
     ruler.backgroundPath = ruler.paramDir + "/bg.bmp";

@@ -16,7 +16,8 @@ inline int normalColourBin(float value) {
     return lowBits / 64;
 }
 
-/// The most frequent of the 64 orientation bins; among equals the one that got there first; never bin (0, 0, 0).
+/// The most frequent of the 64 orientation bins; of several with equal counts the one that reached the count first;
+/// never bin (0, 0, 0).
 inline cv::Vec3f dominantNormalBin(const cv::Mat& normalMap) {
     std::array<int, 64> counts{};
     int best = 0;

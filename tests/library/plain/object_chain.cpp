@@ -29,7 +29,8 @@ void lowerHeight(Quorvel& ruler) {
     }
 }
 
-/// A unit normal, a positive distance, and a direction in the picture to turn the footprint by. NaN is none of these.
+/// Whether the plane is usable: a unit normal, a positive distance, and a direction in the picture by which the
+/// footprint is turned. Every comparison with NaN is false.
 bool isPlane(const cv::Vec3f& n, float offset) {
     const double x = n[0];
     const double y = n[1];

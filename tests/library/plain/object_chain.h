@@ -9,7 +9,7 @@
 
 namespace quorvel::test::plain {
 
-/// One frame's images, owned by whoever measures: depth CV_16UC1 and cloud CV_32FC3 at small size, cloud CV_32FC3 at
+/// One frame's images, owned by the caller: depth CV_16UC1 and cloud CV_32FC3 at small size, cloud CV_32FC3 at
 /// full size; mm.
 struct ChainFrame {
     cv::Mat depthSmall;

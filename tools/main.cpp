@@ -1,6 +1,0 @@
-// SPDX-License-Identifier: Apache-2.0
-#include "app.h"
-
-int main(int argc, char** argv) {
-    return quorvel::command::runProgram(argc, argv);
-}
