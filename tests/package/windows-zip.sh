@@ -58,7 +58,13 @@ expected="$(printf '%s\n' Quorvel "library for 3D measurement" "$version" "$vers
 [[ "$resource" == "$expected" ]] || fail "the version resource says:"$'\n'"$resource"$'\n'"expected:"$'\n'"$expected"
 
 echo "windows-zip: DLLs that nothing loads"
-loaded="$(for file in "$top"/bin/*; do "$triplet-objdump" -p "$file" | sed -n 's/^\tDLL Name: //p'; done)"
+# What the given files load, by name.
+imports() {
+  local file
+  for file in "$@"; do "$triplet-objdump" -p "$file" | sed -n 's/^\tDLL Name: //p'; done
+}
+# The library itself is for hosts: the one below has to load it.
+loaded="$(echo quorvel.dll && imports "$top"/bin/*)"
 for dll in "$top"/bin/*.dll; do
   grep -qxF "${dll##*/}" <<<"$loaded" || fail "${dll##*/} is loaded by nothing"
 done
@@ -95,6 +101,7 @@ for package in quorvel OpenCV; do
   grep -q "^${package}_DIR:PATH=$top/" "$work/host/CMakeCache.txt" || fail "$package was found outside the folder"
 done
 cmake --build "$work/host" >"$work/host.log" || { cat "$work/host.log" && fail "the host cannot be built"; }
+grep -qxF quorvel.dll <<<"$(imports "$work/host/host.exe")" || fail "the host does not load quorvel.dll"
 printed="$(WINEPATH="$(windows_path "$top/bin")" run "$work/host/host.exe" parcel/empty_color.png \
   parcel/empty_depth.png parcel/color.png parcel/depth.png)"
 [[ "$printed" =~ ^([0-9.]+)\ x\ ([0-9.]+)\ x\ ([0-9.]+)\ mm$ ]] || fail "the host printed: $printed"
