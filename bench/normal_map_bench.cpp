@@ -3,7 +3,6 @@
 #include <memory>
 
 #include "bench_scene.h"
-#include "calib/dominant_normal.h"
 #include "calib/normal_map.h"
 #include "library/plain/dominant_normal.h"
 #include "library/plain/normal_map.h"

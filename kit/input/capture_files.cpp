@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-#include "files/decimal_text.h"
+#include "files/text_file.h"
 #include "kit/input/camera.h"
 #include "kit/input/input_error.h"
 #include "kit/input/input_file.h"

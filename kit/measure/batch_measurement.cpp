@@ -6,7 +6,7 @@
 
 #include "kit/account/text_format.h"
 #include "kit/measure/stopwatch.h"
-#include "ruler/record.h"
+#include "ruler/measure_once.h"
 
 namespace quorvel::kit {
 

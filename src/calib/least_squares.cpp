@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "geometry/solve3x3.h"
+#include "geometry/plane_model.h"
 
 namespace quorvel::internal {
 

@@ -3,7 +3,6 @@
 
 #include <cmath>
 
-#include "calib/dominant_normal.h"
 #include "calib/least_squares.h"
 #include "calib/normal_map.h"
 #include "calib/ransac_plane.h"

@@ -9,7 +9,7 @@
 #include "calib/region_growth_loops.h"
 #include "geometry/plane_model.h"
 #include "image/bit_image.h"
-#include "image/exclusive.h"
+#include "image/image_form.h"
 #include "image/scratch.h"
 
 namespace quorvel::internal {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "files/calibration_file.h"
 
-#include "files/decimal_text.h"
 #include "files/text_file.h"
 #include "files/whole_file.h"
 

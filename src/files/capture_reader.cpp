@@ -3,7 +3,6 @@
 
 #include <string_view>
 
-#include "files/decimal_text.h"
 #include "files/text_file.h"
 
 namespace quorvel::internal {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "files/capture_writer.h"
 
-#include "files/decimal_text.h"
+#include "files/text_file.h"
 
 namespace quorvel::internal {
 

@@ -5,12 +5,7 @@
 #include <string_view>
 #include <vector>
 
-/// \file whole_file.h
-/// Files are written whole or not at all. The content goes into a new file in the same folder, is flushed to the disk,
-/// and the new file is then renamed to the path in one step. A reader, also one that starts after a kill or a loss of
-/// power, finds the complete old content or the complete new content. The new file is called "PATH.PROCESS-COUNT.new":
-/// PROCESS is the number of the process, COUNT the number of files that this process had begun before. Nothing reads
-/// it. What a killed process left is removed by the next process that writes the same path.
+#include <opencv2/core.hpp>
 
 namespace quorvel::internal {
 
@@ -67,5 +62,15 @@ void removeLeftovers(const std::vector<std::string>& places);
 /// Writes one file, and removes what killed processes left beside it.
 /// \return whether the file was written; if not, an old file is unchanged and no new file is left
 bool writeWholeFile(const std::string& path, std::string_view content, FileContent kind);
+
+/// Writes an image in the format that its file's extension names, with OpenCV's default parameters, whole or not at
+/// all. An image that is empty or does not have two dimensions is not written, and an old file stays.
+/// \return whether it was written
+/// \throws cv::Exception when OpenCV has no encoder for the image
+bool writeImageFile(const std::string& path, const cv::Mat& image);
+
+/// Reads an image. The result is empty when the file cannot be read or when OpenCV refuses the size in its header.
+/// \param mode a cv::ImreadModes
+cv::Mat readImageFile(const std::string& path, int mode);
 
 }  // namespace quorvel::internal

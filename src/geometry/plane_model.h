@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <array>
+#include <optional>
 #include <string>
 
 #include <opencv2/core.hpp>
@@ -69,5 +71,25 @@ private:
 /// \param fxSmall focal length for the small image, pixels
 /// \return the area in pixels; INT_MIN when it is not a number that int holds (t = 0)
 int objectPixelMinimum(float offset, float fxSmall);
+
+/// Two directions that span a plane, in which footprints are measured.
+struct PlaneBasis {
+    cv::Vec3f e1;
+    cv::Vec3f e2;
+};
+
+/// \param normal unit normal; (0, 0, 1) gives e1 = (1, 0, 0), any other e1 = (ny, -nx, 0) / |(nx, ny)|. Any
+///        other normal with nx = ny = 0 is not allowed: its e1 would be NaN.
+/// \return e1 and e2 = normal x e1
+PlaneBasis planeBasis(const cv::Vec3f& normal);
+
+/// Solves A x = b by Gaussian elimination with partial pivoting, in float.
+///
+/// The system is singular when the largest entry of a column is below max|Aij| * 1e-12. An all-zero matrix has the
+/// threshold 0; it is not found singular, and its solution is NaN.
+/// \param a 3 x 3 matrix, row-major
+/// \param b right-hand side
+/// \return the solution; nothing when the system is singular
+std::optional<std::array<float, 3>> solve3x3(std::array<float, 9> a, std::array<float, 3> b);
 
 }  // namespace quorvel::internal

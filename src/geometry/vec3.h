@@ -5,7 +5,7 @@
 
 #include <opencv2/core.hpp>
 
-#include "simd/direction.h"
+#include "simd/loop_variant.h"
 
 namespace quorvel::internal {
 

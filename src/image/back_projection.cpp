@@ -2,7 +2,7 @@
 #include "image/back_projection.h"
 
 #include "image/back_projection_loops.h"
-#include "image/exclusive.h"
+#include "image/image_form.h"
 
 namespace quorvel::internal {
 

@@ -4,7 +4,6 @@
 #include <memory>
 #include <utility>
 
-#include "image/exclusive.h"
 #include "image/image_form.h"
 
 namespace quorvel::internal {

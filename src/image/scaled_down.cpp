@@ -3,7 +3,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "image/exclusive.h"
+#include "image/image_form.h"
 
 namespace quorvel::internal {
 

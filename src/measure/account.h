@@ -9,7 +9,7 @@
 
 #include "geometry/plane_model.h"
 #include "measure/footprint.h"
-#include "measure/height_survey.h"
+#include "measure/height_cut.h"
 #include "measure/object_component.h"
 
 namespace quorvel::internal {

@@ -7,7 +7,6 @@
 #include <opencv2/core.hpp>
 
 #include "geometry/camera.h"
-#include "geometry/plane_basis.h"
 #include "geometry/plane_model.h"
 
 namespace quorvel::internal {

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 
-#include "simd/direction.h"
 #include "simd/loop_variant.h"
 
 namespace quorvel::internal {

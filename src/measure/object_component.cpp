@@ -2,6 +2,7 @@
 #include "measure/object_component.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -15,7 +16,6 @@
 #include "image/scratch.h"
 #include "measure/object_component_loops.h"
 #include "measure/object_window.h"
-#include "measure/wrapped_labels.h"
 
 namespace quorvel::internal {
 
@@ -173,6 +173,75 @@ void openMask(cv::Mat mask) {
     constexpr int kBorder = cv::BORDER_CONSTANT | cv::BORDER_ISOLATED;
     cv::erode(mask, mask, cv::Mat(), centre, 1, kBorder, outside);
     cv::dilate(mask, mask, cv::Mat(), centre, 1, kBorder, outside);
+}
+
+/// With at most so many runs of candidates there are fewer regions than 16-bit labels.
+constexpr int kMostLabelledRuns = 65000;
+
+struct LabelledRegion {
+    int pixels = 0;
+    float distanceSum = 0.0F;
+};
+
+/// The pixel count and the sum of distances from the middle for every label, in one pass. Each label's pixels are added
+/// in row-major order, so its float sum has the same bits as in a scan of that label alone.
+std::vector<LabelledRegion> describeLabels(const cv::Mat& labels, int labelCount) {
+    std::vector<LabelledRegion> regions(static_cast<std::size_t>(labelCount));
+    const cv::Point middle(labels.cols / 2, labels.rows / 2);
+    for (int row = 0; row < labels.rows; ++row) {
+        const auto* labelRow = labels.ptr<ushort>(row);
+        const double dy = row - middle.y;
+        for (int column = 0; column < labels.cols; ++column) {
+            const std::size_t label = labelRow[column];
+            // With more regions than 16-bit labels the labels wrap around. Labels at or above the count are ignored.
+            if (label == 0 || label >= regions.size()) {
+                continue;
+            }
+            const double dx = column - middle.x;
+            ++regions[label].pixels;
+            regions[label].distanceSum += static_cast<float>(std::sqrt(dx * dx + dy * dy));
+        }
+    }
+    return regions;
+}
+
+/// \return the label of the large enough region nearest the middle, 0 when there is none
+std::size_t nearestLabel(const std::vector<LabelledRegion>& regions, int minPixels) {
+    float bestScore = std::numeric_limits<float>::max();
+    std::size_t best = 0;
+    for (std::size_t label = 1; label < regions.size(); ++label) {
+        const LabelledRegion& region = regions[label];
+        if (region.pixels <= minPixels) {
+            continue;
+        }
+        const float score = region.distanceSum / static_cast<float>(region.pixels);
+        if (bestScore > score) {
+            bestScore = score;
+            best = label;
+        }
+    }
+    return best;
+}
+
+/// The choice of selectObjectComponent() for images that may have more regions than there are 16-bit labels. The labels
+/// then wrap around, and all pixels with the same label are taken as one region. Only extreme images come here, such as
+/// a checkerboard with more than 65000 single candidates.
+/// \param depth CV_16UC1; the candidates are its non-zero pixels
+/// \param minPixels a region needs more pixels than this
+/// \param[in,out] mask CV_8UC1 of the same size, reduced to the region
+/// \return pixels of the region; 0 when none is large enough
+int keepNearestWrappedRegion(const cv::Mat& depth, int minPixels, cv::Mat& mask) {
+    cv::Mat candidates;
+    depth.convertTo(candidates, CV_8U);
+    cv::Mat labels;
+    const int labelCount = cv::connectedComponents(candidates, labels, 4, CV_16U, cv::CCL_WU);
+    const std::vector<LabelledRegion> regions = describeLabels(labels, labelCount);
+    const std::size_t best = nearestLabel(regions, minPixels);
+    if (best == 0) {
+        return 0;
+    }
+    mask.setTo(0, labels != static_cast<double>(best));
+    return regions[best].pixels;
 }
 
 /// Counts the candidates and their regions.

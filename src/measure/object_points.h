@@ -6,7 +6,7 @@
 
 #include <opencv2/core.hpp>
 
-#include "geometry/plane_basis.h"
+#include "geometry/plane_model.h"
 #include "image/scratch.h"
 
 namespace quorvel::internal {

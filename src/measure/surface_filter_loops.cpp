@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "measure/surface_filter_loops.h"
 
-#include "measure/point_lanes.h"
+#include "simd/lanes.h"
 
 namespace quorvel::internal::QUORVEL_VARIANT {
 

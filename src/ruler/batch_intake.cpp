@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "image/back_projection.h"
-#include "image/exclusive.h"
 #include "image/image_form.h"
 #include "image/kept_images.h"
 #include "image/scaled_down.h"

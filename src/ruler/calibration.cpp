@@ -5,12 +5,11 @@
 #include <iostream>
 #include <string>
 
-#include "calib/calibration_region.h"
+#include "calib/calibration_input.h"
 #include "calib/reference_fit.h"
-#include "calib/smoothing.h"
 #include "files/calibration_file.h"
-#include "files/image_file.h"
 #include "files/text_file.h"
+#include "files/whole_file.h"
 #include "image/back_projection.h"
 #include "image/image_form.h"
 #include "ruler/members.h"

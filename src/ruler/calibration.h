@@ -5,7 +5,7 @@
 
 #include <quorvel/quorvel.h>
 
-#include "calib/fit_account.h"
+#include "calib/reference_fit.h"
 
 namespace quorvel::internal {
 

@@ -8,8 +8,8 @@
 #include <opencv2/imgcodecs.hpp>
 
 #include "files/capture_reader.h"
-#include "files/image_file.h"
 #include "files/platform.h"
+#include "files/whole_file.h"
 #include "ruler/frame_intake.h"
 #include "ruler/measure_once.h"
 #include "ruler/members.h"

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "image/back_projection.h"
-#include "image/exclusive.h"
 #include "image/frame_check.h"
 #include "image/image_form.h"
 #include "image/kept_images.h"

@@ -12,7 +12,6 @@
 #include "ruler/batch_intake.h"
 #include "ruler/measure_once.h"
 #include "ruler/members.h"
-#include "ruler/record.h"
 
 namespace quorvel::internal {
 

@@ -4,7 +4,6 @@
 #include <ctime>
 #include <string>
 
-#include "files/image_file.h"
 #include "files/platform.h"
 #include "files/text_file.h"
 #include "files/time_text.h"

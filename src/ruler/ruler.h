@@ -8,7 +8,7 @@
 
 #include <quorvel/quorvel.h>
 
-#include "calib/fit_account.h"
+#include "calib/reference_fit.h"
 #include "files/capture_reader.h"
 #include "geometry/camera.h"
 #include "measure/account.h"

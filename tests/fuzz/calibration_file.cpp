@@ -8,7 +8,7 @@
 
 #include <quorvel/quorvel.h>
 
-#include "files/decimal_text.h"
+#include "files/text_file.h"
 #include "fuzz/target.h"
 #include "support/same_bits.h"
 

@@ -10,20 +10,16 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "calib/calibration_region.h"
-#include "calib/dominant_normal.h"
+#include "calib/calibration_input.h"
 #include "calib/least_squares.h"
 #include "calib/normal_map.h"
 #include "calib/ransac_plane.h"
 #include "calib/reference_fit.h"
 #include "calib/region_growth.h"
-#include "calib/smoothing.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
-#include "geometry/plane_basis.h"
 #include "geometry/plane_model.h"
 #include "geometry/selection.h"
-#include "geometry/solve3x3.h"
 #include "image/back_projection.h"
 #include "library/fast_forms.h"
 #include "library/plain/back_projection.h"

@@ -17,7 +17,7 @@
 #include <quorvel/quorvel.h>
 
 #include "files/calibration_file.h"
-#include "files/decimal_text.h"
+#include "files/text_file.h"
 #include "fuzz/input.h"
 #include "fuzz/target.h"
 #include "library/same_result.h"

@@ -9,7 +9,6 @@
 #include "library/plain/back_projection.h"
 #include "library/same_result.h"
 #include "ruler/measure_once.h"
-#include "ruler/record.h"
 
 namespace quorvel::test {
 

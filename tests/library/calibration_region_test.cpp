@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "calib/calibration_region.h"
+#include "library/plain/calibration_region.h"
 
 #include <climits>
 #include <limits>
@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
 
+#include "calib/calibration_input.h"
 #include "library/calib_support.h"
-#include "library/plain/calibration_region.h"
 #include "support/same_bits.h"
 
 namespace quorvel::test {

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "files/decimal_text.h"
-
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -12,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "files/text_file.h"
 #include "support/random.h"
 #include "support/same_bits.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "calib/dominant_normal.h"
+#include "library/plain/dominant_normal.h"
 
 #include <limits>
 #include <string>
@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "calib/normal_map.h"
 #include "library/calib_support.h"
-#include "library/plain/dominant_normal.h"
 #include "support/loop_variants.h"
 #include "support/same_bits.h"
 

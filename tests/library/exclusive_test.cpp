@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "image/exclusive.h"
-
 #include <array>
 
 #include <gtest/gtest.h>
+
+#include "image/image_form.h"
 
 namespace quorvel::test {
 

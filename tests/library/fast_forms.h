@@ -9,17 +9,17 @@
 
 #include <quorvel/quorvel.h>
 
-#include "calib/dominant_normal.h"
 #include "calib/least_squares.h"
+#include "calib/normal_map.h"
 #include "calib/ransac_plane.h"
 #include "calib/region_growth.h"
-#include "geometry/solve3x3.h"
+#include "geometry/plane_model.h"
 #include "library/plain/footprint.h"
 #include "measure/footprint.h"
 #include "measure/height_cut.h"
 #include "measure/object_chain.h"
 #include "measure/object_component.h"
-#include "ruler/record.h"
+#include "ruler/measure_once.h"
 
 /// \file fast_forms.h
 /// The library's stages in the form of their plain ones: a status, out-values and the lines that the class prints. One

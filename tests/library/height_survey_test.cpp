@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "measure/height_survey.h"
-
 #include <gtest/gtest.h>
+
+#include "measure/height_cut.h"
 
 namespace quorvel::test {
 

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "image/exclusive.h"
+#include "image/image_form.h"
 
 namespace quorvel::test {
 

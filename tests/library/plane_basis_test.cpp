@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "geometry/plane_basis.h"
-
 #include <cmath>
 
 #include <gtest/gtest.h>
 
+#include "geometry/plane_model.h"
 #include "library/measure_draws.h"
 #include "library/plain/object_points.h"
 #include "support/same_bits.h"

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "calib/smoothing.h"
-
 #include <array>
 #include <cstddef>
 
 #include <gtest/gtest.h>
 
+#include "calib/calibration_input.h"
 #include "library/calib_support.h"
 #include "support/same_bits.h"
 

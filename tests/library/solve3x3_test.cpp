@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "geometry/solve3x3.h"
+#include "library/plain/solve3x3.h"
 
 #include <array>
 #include <cmath>
@@ -10,8 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include "geometry/plane_model.h"
 #include "library/fast_forms.h"
-#include "library/plain/solve3x3.h"
 #include "support/random.h"
 #include "support/same_bits.h"
 

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "calib/calibration_region.h"
+#include "calib/calibration_input.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 
-#include "image/exclusive.h"
+#include <opencv2/imgproc.hpp>
+
+#include "image/image_form.h"
 #include "image/numbers.h"
 
 namespace quorvel::internal {
@@ -60,6 +62,23 @@ float halfRegionArea(const RegionCorners& corners) {
     const double height = std::fabs(static_cast<double>(corners[1].y) - corners[0].y);
     const double width = std::fabs(static_cast<double>(corners[2].x) - corners[0].x);
     return static_cast<float>(height * width * 0.5);
+}
+
+namespace {
+
+cv::Mat smoothedOnce(const cv::Mat& depth) {
+    // Isolated: a depth image that is a window of the host's larger one ends at its own border too.
+    constexpr int kBorder = cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED;
+    constexpr double kSigmaOfTheSize = 0.0;
+    cv::Mat smoothed;
+    cv::GaussianBlur(depth, smoothed, cv::Size(5, 5), kSigmaOfTheSize, kSigmaOfTheSize, kBorder);
+    return smoothed;
+}
+
+}  // namespace
+
+cv::Mat smoothDepth(const cv::Mat& depth) {
+    return smoothedOnce(smoothedOnce(depth));
 }
 
 }  // namespace quorvel::internal

@@ -29,4 +29,9 @@ void pointsInsideRegion(const cv::Mat& cloud, const RegionCorners& corners, cv::
 /// \return half the region's area in pixels: the fewest points a least-squares fit accepts
 float halfRegionArea(const RegionCorners& corners);
 
+/// Smooths a depth image twice with a 5 x 5 Gaussian (border reflected without the edge pixel).
+/// \param depth CV_16UC1, mm, not empty; not changed
+/// \return CV_16UC1 of the same size; a pixel without depth next to valid ones gets a smoothed, smaller depth
+cv::Mat smoothDepth(const cv::Mat& depth);
+
 }  // namespace quorvel::internal
