@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Everything there is, in the long form: .ci/run, the demo, clang-tidy on the tests, GCC's analyser, memcheck, the soak
-# under the sanitizers, the binary interface, Clang's build, coverage, the whole of the Windows tests, the soak, the
-# fuzzing targets and a smoke run of the benchmarks. Takes hours. A step that fails does not keep the others from running;
-# the exit code is then 1.
+# Everything there is, in the long form: .ci/run, the demo, clang-tidy on the tests, GCC's analyser, memcheck, soak and
+# accuracy under the sanitizers, the binary interface, Clang's build, coverage, the whole of the Windows tests, the
+# soak, the fuzzing targets and a smoke run of the benchmarks. Takes hours. A step that fails does not keep the others
+# from running; the exit code is then 1.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -29,7 +29,9 @@ scripts/setup.sh --dev
 step "what a change has to pass" .ci/run
 step "demo" scripts/demo.sh
 step "clang-tidy, tests and benchmarks too" scripts/check-tidy.sh --long
-step "soak under the address and undefined-behaviour sanitizers" ctest --preset asan-ubsan --tests-regex '^soak'
+step "soak and accuracy under the address and undefined-behaviour sanitizers" \
+  env GTEST_FILTER="$(cat scripts/accuracy-tests.txt)" \
+  ctest --preset asan-ubsan --parallel "$(nproc)" --tests-regex '^(soak|library_tests|command_tests)'
 step "GCC's analyser" scripts/check-analyzer.sh
 step "memcheck" scripts/check-memory.sh
 step "binary interface" scripts/check-abi.sh
