@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <optional>
 #include <random>
+#include <sstream>
 #include <system_error>
 
 #include <gtest/gtest.h>
@@ -23,7 +23,9 @@ namespace {
 
 std::string readFile(const std::filesystem::path& path, std::ios::openmode mode) {
     std::ifstream file(path, mode);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
 }
 
 std::string inQuotes(const std::string& text) {

@@ -151,10 +151,16 @@ private:
     std::set<std::string> before_;
 };
 
+/// One folder serves all tests, because each run leaves it as it was, which is tested.
+const HostileFolder& hostileFolder() {
+    static const HostileFolder folder;
+    return folder;
+}
+
 class HostileFile : public ::testing::TestWithParam<Place> {};
 
 TEST_P(HostileFile, IsRefusedInOneLine) {
-    const HostileFolder folder;
+    const HostileFolder& folder = hostileFolder();
     for (const char* file : {"missing.png", "folder.png", "empty.png", "random.png", "words.json", "cut.png",
                              "noise.png", "vast.png", "cut.tif", "cut.jpg", "deep.json", "deep.yml", "deep.xml",
                              "steps.yml", "long.json", "nul.json", "matrix.yml"}) {
@@ -189,7 +195,7 @@ INSTANTIATE_TEST_SUITE_P(Command, HostileFile, ::testing::ValuesIn(kFilePlaces),
 class HostileValue : public ::testing::TestWithParam<Place> {};
 
 TEST_P(HostileValue, IsRefusedInOneLine) {
-    const HostileFolder folder;
+    const HostileFolder& folder = hostileFolder();
     for (const char* value : {"", "nan", "inf", "-inf", "1e999", "0,5", "0.5x", "x", "--", ",", "nan,nan,nan,nan",
                               "1e300,1e300,1e300,1e300", "-2147483648,0,2147483647,2147483647"}) {
         folder.expectRefusal(filledIn(GetParam(), std::string("\"") + value + "\""), "quorvel: ");
@@ -227,7 +233,7 @@ INSTANTIATE_TEST_SUITE_P(Command, HostileValue, ::testing::ValuesIn(kNumberPlace
                          [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST(HostileNames, EmptyOnesAreRefused) {
-    const HostileFolder folder;
+    const HostileFolder& folder = hostileFolder();
     const std::string measure = std::string("measure ") + kCamera + "--mode kiosk --depth depth.png ";
     for (const char* option : {"--color", "--params", "--overlay", "--stages", "--empty-depth"}) {
         folder.expectRefusal(measure + option + " \"\"", option);
@@ -239,7 +245,7 @@ TEST(HostileNames, EmptyOnesAreRefused) {
 }
 
 TEST(HostileValues, HugeOnesAreRefusedWhereNoPictureReaches) {
-    const HostileFolder folder;
+    const HostileFolder& folder = hostileFolder();
     const std::string measure = std::string("measure ") + kCamera + "--depth depth.png ";
     folder.expectRefusal(measure + "--mode ground-tracking --min-height 1e20", "--min-height");
     folder.expectRefusal(measure + "--mode kiosk --depth-scale 1e20", "--depth-scale");

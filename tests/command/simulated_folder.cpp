@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "simulated_folder.h"
 
+#include <filesystem>
+#include <map>
+
 #include <gtest/gtest.h>
 
 #include "sim/scene_json.h"
@@ -20,14 +23,28 @@ sim::Scene boxScene(double x, double y, double length, double width, double heig
 }
 
 SimulatedFolder::SimulatedFolder(const std::string& preset) {
-    const CommandRun run = this->run("simulate --out . --preset " + preset);
-    EXPECT_EQ(run.exitCode, 0) << run.text();
+    fill("--preset " + preset, nullptr);
 }
 
 SimulatedFolder::SimulatedFolder(const sim::Scene& scene) {
-    sim::writeScene(file("given.json"), scene);
-    const CommandRun run = this->run("simulate --out . --scene given.json");
-    EXPECT_EQ(run.exitCode, 0) << run.text();
+    fill("--scene given.json", &scene);
+}
+
+/// A scene is simulated by the first test that wants it and copied by the others: half of the time of many tests was
+/// simulating the same parcel again.
+void SimulatedFolder::fill(const std::string& options, const sim::Scene* scene) {
+    static std::map<std::string, TemporaryFolder> simulated;
+    const std::string key = options + (scene == nullptr ? "" : sim::sceneToJson(*scene));
+    const auto [entry, isNew] = simulated.try_emplace(key);
+    const TemporaryFolder& original = entry->second;
+    if (isNew) {
+        if (scene != nullptr) {
+            sim::writeScene(original.file("given.json"), *scene);
+        }
+        const CommandRun run = original.run("simulate --out . " + options);
+        EXPECT_EQ(run.exitCode, 0) << run.text();
+    }
+    std::filesystem::copy(original.path(), path());
 }
 
 CommandRun SimulatedFolder::measure(const std::string& options) const {

@@ -25,6 +25,9 @@ public:
     CommandRun calibrate(const std::string& options) const;
     /// The scene's truth.json.
     nlohmann::json truth() const { return nlohmann::json::parse(read("truth.json")); }
+
+private:
+    void fill(const std::string& options, const sim::Scene* scene);
 };
 
 }  // namespace quorvel::command

@@ -3,8 +3,6 @@
 // same work.
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -19,6 +17,7 @@
 #include "library/plain/object_chain.h"
 #include "library/same_ruler.h"
 #include "support/captured_output.h"
+#include "support/file_bytes.h"
 #include "support/working_directory.h"
 
 namespace quorvel::test {
@@ -89,9 +88,8 @@ Calibrated calibrated(unsigned seed, ProductType mode) {
 }
 
 std::string fileBytes(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    EXPECT_TRUE(file) << path << " cannot be opened";
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    EXPECT_TRUE(std::filesystem::is_regular_file(path)) << path << " is missing";
+    return test::bytesOf(path);
 }
 
 class PlainPipeline : public ::testing::TestWithParam<ProductType> {

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <string>
 
 namespace quorvel::test {
@@ -11,7 +11,9 @@ namespace quorvel::test {
 /// \return a file's bytes; empty when it cannot be opened
 inline std::string bytesOf(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
 }
 
 /// Writes a file of these bytes over what was there.
