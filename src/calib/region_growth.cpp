@@ -84,17 +84,6 @@ int runStart(const std::uint64_t* row, int column) {
     return clear == 0 ? 0 : index * kWordBits + highestSetBit(clear) + 1;
 }
 
-/// \return the last column of the run of set bits that holds `column`
-int runEnd(const std::uint64_t* row, int column, int columns) {
-    int index = column / kWordBits;
-    std::uint64_t clear = ~row[index] & ~(bitOf(column) - 1);
-    while (clear == 0 && index + 1 < wordsFor(columns)) {
-        ++index;
-        clear = ~row[index];
-    }
-    return clear == 0 ? columns - 1 : index * kWordBits + lowestSetBit(clear) - 1;
-}
-
 /// Calls visit(index, mask) for every word that a run touches, with the run's bits in it.
 template <typename Visit>
 void forEachWord(const Run& run, Visit visit) {
@@ -116,7 +105,7 @@ void reach(int row, int index, std::uint64_t pixels, GrowthWorkspace& workspace)
     std::uint64_t* const openRow = open.row(row);
     while ((pixels &= openRow[index]) != 0) {
         const int column = index * kWordBits + lowestSetBit(pixels);
-        const Run run{row, runStart(openRow, column), runEnd(openRow, column, open.columns())};
+        const Run run{row, runStart(openRow, column), nextBit(openRow, column, open.columns(), false) - 1};
         std::uint64_t* const spreadRow = workspace.spread.row(row);
         forEachWord(run, [&](int word, std::uint64_t mask) {
             openRow[word] &= ~mask;

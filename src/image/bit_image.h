@@ -87,6 +87,20 @@ inline std::uint64_t fromRight(const std::uint64_t* row, int word, int words) {
     return row[word] >> 1 | (word + 1 < words ? row[word + 1] << (kWordBits - 1) : 0U);
 }
 
+/// \return the first column at or after `from` whose bit has this value, `columns` when there is none: from a column of
+///         a run of set bits, the next clear bit is the run's end
+inline int nextBit(const std::uint64_t* row, int from, int columns, bool value) {
+    for (int column = from; column < columns;) {
+        const std::uint64_t word = row[column / kWordBits];
+        const std::uint64_t rest = (value ? word : ~word) >> (column % kWordBits);
+        if (rest != 0) {
+            return std::min(column + lowestSetBit(rest), columns);
+        }
+        column += kWordBits - column % kWordBits;
+    }
+    return columns;
+}
+
 /// One bit a pixel: the pixel in column c is bit c % 64 of word c / 64 of its row. Bits beyond the last column are 0.
 class BitImage {
 public:

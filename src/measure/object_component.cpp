@@ -37,19 +37,6 @@ struct ComponentWorkspace {
     std::vector<Run> runs;
 };
 
-/// Position of the first bit of this value at or after a position; the row's end when there is none.
-int nextBit(const std::vector<std::uint64_t>& bits, int from, int columns, bool value) {
-    for (int column = from; column < columns;) {
-        const std::uint64_t word = bits[static_cast<std::size_t>(column / kWordBits)];
-        const std::uint64_t rest = (value ? word : ~word) >> (column % kWordBits);
-        if (rest != 0) {
-            return std::min(column + lowestSetBit(rest), columns);
-        }
-        column += kWordBits - column % kWordBits;
-    }
-    return columns;
-}
-
 std::size_t regionOf(std::vector<Run>& runs, std::size_t run) {
     while (runs[run].region != run) {
         runs[run].region = runs[runs[run].region].region;
@@ -90,10 +77,10 @@ void findRegions(const cv::Mat& depth, ComponentWorkspace& scratch) {
         scratch.bits.assign(static_cast<std::size_t>(wordsFor(depth.cols)), 0U);
         objectComponentLoops().findDepths(depth.ptr<ushort>(row), depth.cols, scratch.bits.data());
         const std::size_t rowStart = runs.size();
-        for (int first = nextBit(scratch.bits, 0, depth.cols, true); first < depth.cols;) {
-            const int end = nextBit(scratch.bits, first, depth.cols, false);
+        for (int first = nextBit(scratch.bits.data(), 0, depth.cols, true); first < depth.cols;) {
+            const int end = nextBit(scratch.bits.data(), first, depth.cols, false);
             runs.push_back({row, first, end, runs.size(), 0, 0.0F});
-            first = nextBit(scratch.bits, end, depth.cols, true);
+            first = nextBit(scratch.bits.data(), end, depth.cols, true);
         }
         joinRows(runs, above, rowStart, runs.size());
         above = rowStart;

@@ -71,6 +71,32 @@ TEST(BitImage, ShowsEveryPixelItsNeighboursAcrossWords) {
     }
 }
 
+TEST(BitImage, FindsTheNextBitOfAValueInARow) {
+    Draws draws(133);
+    for (int run = 0; run < 300; ++run) {
+        const int columns = 1 + draws.below(200);
+        std::vector<std::uint64_t> row(static_cast<std::size_t>(internal::wordsFor(columns)));
+        // Whole words of one value as well, so that the search passes over them.
+        for (std::uint64_t& word : row) {
+            word = draws.chance(50) ? drawWord(draws) : ~std::uint64_t{0} * static_cast<std::uint64_t>(draws.below(2));
+        }
+        if (columns % internal::kWordBits != 0) {
+            row.back() &= internal::lowestBits(columns % internal::kWordBits);
+        }
+        for (const bool value : {false, true}) {
+            for (int from = 0; from <= columns; ++from) {
+                int expected = from;
+                while (expected < columns && ((row[static_cast<std::size_t>(expected / internal::kWordBits)] &
+                                               internal::bitOf(expected)) != 0) != value) {
+                    ++expected;
+                }
+                ASSERT_EQ(internal::nextBit(row.data(), from, columns, value), expected)
+                    << value << " from " << from << " of " << columns;
+            }
+        }
+    }
+}
+
 TEST(BitImage, SetsOneBit) {
     std::vector<std::uint64_t> row(2);
     internal::setBit(row.data(), 3);
