@@ -113,7 +113,7 @@ TEST(KeptImages, StayWithinTheirBytes) {
         kept.giveBack(std::move(image));
         EXPECT_LE(kept.bytes(), KeptImages::kMostBytes);
     }
-    EXPECT_EQ(kept.bytes(), 5U * large.area() * 12U);
+    EXPECT_EQ(kept.bytes(), 5 * static_cast<std::size_t>(large.area()) * sizeof(cv::Vec3f));
     bool newestKept = false;
     for (int i = 0; i < 5; ++i) {
         const cv::Mat image = kept.take(large, CV_32FC3);
