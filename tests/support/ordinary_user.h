@@ -22,7 +22,8 @@ inline void obeyPermissions() {
     if (syscall(SYS_capget, &header, sets) != 0) {
         return;
     }
-    for (const unsigned right : {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH}) {
+    for (const int number : {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH}) {
+        const auto right = static_cast<unsigned>(number);
         prctl(PR_CAPBSET_DROP, right);
         for (auto* set : {&sets[0].effective, &sets[0].permitted, &sets[0].inheritable}) {
             *set &= ~(1U << right);
